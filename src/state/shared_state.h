@@ -1,0 +1,39 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "state/word.h"
+
+namespace tarvo::state {
+
+/// Booleans of the system: 16 bits, -1 for true and 0 for false.
+inline constexpr std::int16_t kTrue = -1;
+inline constexpr std::int16_t kFalse = 0;
+
+/// The values that the whole program shares, under the system's names.
+struct SharedState {
+  std::string PCSettings = "9600,n,8,1";  ///< baud, parity letter, data bits, stop bits
+  int PCPort = 1;                         ///< COM port, 1 to 4
+  int ModuleAddress = 1;                  ///< slave address, 1 to 255
+
+  std::int16_t StartComm = kFalse;  ///< -1 while a session or a search runs
+  int NrFinestra = -1;              ///< number of the current page in the page table, -1 for none
+  Register PollRegister{40001};     ///< first register of the poll
+  int PollCount = 0;                ///< registers that the poll reads
+  std::array<Word, 20> PollBuffer{};
+  int RunKind = 0;
+  int ReadStep = 0;
+  int EscPressed = 0;
+  int GearStep = 1;  ///< phase of the gears picture, 1 to 5
+
+  std::int16_t FamilyShown = kTrue;  ///< -1 for "Vesk DEVICES", 0 for the others
+
+  std::int32_t ChangeValueMin = 0;
+  std::int32_t ChangeValueMax = 0;
+  std::string ChangeValueResult;
+  std::int16_t ChangeValueOk = kFalse;  ///< -1 when `ChangeValue` was accepted
+};
+
+}  // namespace tarvo::state

@@ -1,0 +1,248 @@
+#include "models/belk.h"
+
+#include <optional>
+
+#include "pages/meter_percent.h"
+#include "pages/number_text.h"
+
+namespace tarvo::models {
+
+using pages::BitChange;
+using state::Register;
+using state::Word;
+using namespace state::literals;
+
+namespace {
+
+constexpr pages::PageIdentity kIdentity = {
+    .number = 0,
+    .model = "Belk",
+    .window = "Belk",
+    .code = 0x01,
+    .pollRegister = "40002"_reg,
+    .pollCount = 9,
+    .runKind = 1,
+    .pollFormat = 0,
+};
+
+constexpr unsigned kParityOn = 0x0008;
+constexpr unsigned kParityOdd = 0x0010;
+
+constexpr unsigned InputBit(int input) {
+  return 0x0001U << input;
+}
+
+constexpr unsigned OverflowBit(int input) {
+  return 0x0100U << input;
+}
+
+constexpr double kFullCounter = 65535;
+
+/// First releases that have it.
+constexpr int kReleaseOfParity = 2;
+constexpr int kReleaseOfSevenRates = 3;
+
+std::string Numbered(const char* text, int input) {
+  return text + std::to_string(input + 1);
+}
+
+}  // namespace
+
+Belk::Belk(pages::PageContext& context)
+    : DevicePage(context, kIdentity),
+      StatoIN([this](int i) {
+        return view::ImageBox(*this, "StatoIN", "40002." + std::to_string(i) + Numbered(" - Input ", i), i);
+      }),
+      LabelIN([this](int i) { return view::Label(*this, "LabelIN", Numbered("Input ", i), "", i); }),
+      TotIN([this](int i) {
+        return view::Label(*this, "TotIN", "0",
+                           std::to_string((kCounter1 + i).Number()) + Numbered(" - Counter Input ", i), i);
+      }),
+      BargBelk([this](int i) { return view::ARMetor(*this, Numbered("BargBelk", i)); }),
+      OverFlowIN([this](int i) {
+        return view::Lamp(*this, "OverFlowIN", "Overflow",
+                          "40002." + std::to_string(8 + i) + Numbered(" - Overflow Input ", i), i);
+      }),
+      flags_({{
+          {CheckBelk2, kFlags, 0x0001, 0xFFFE},
+          {CheckBelk4, kFlags, 0x0002, 0xFFFD},
+          {CheckBelk5, kFlags, 0x0004, 0xFFFB},
+          {CheckBelk6, kFlags, kParityOn, 0xFFF7},
+          {CheckBelk3, kFlags, 0x0020, 0xFFDF},
+          {CheckBelk1, kFlags, 0x0080, 0xFF7F},
+      }}) {
+  for (view::ARMetor& bar : BargBelk) {
+    bar.Caption = "";
+    bar.FillColor = view::kBarBlue;
+    bar.SetPercent(0);
+  }
+
+  BindFlags(flags_);
+  LabelFASTBelk.Visible = false;
+  CheckBelk1.OnChange = [this] { LabelFASTBelk.Visible = CheckBelk1.Value() != 0; };
+
+  OptionBelk1.Value = true;
+  OptionBelk1.Enabled = false;
+  OptionBelk2.Enabled = false;
+  CheckBelk6.OnChange = [this] {
+    OptionBelk1.Enabled = CheckBelk6.Value() != 0;
+    OptionBelk2.Enabled = CheckBelk6.Value() != 0;
+  };
+  OptionBelk1.OnClick = [this] { return ChangeRegister(kFlags, BitChange{.andMask = 0xFFEF}); };
+  OptionBelk2.OnClick = [this] { return ChangeRegister(kFlags, BitChange{.orMask = kParityOdd}); };
+
+  for (int i = 0; i < kInputs; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    const unsigned keep = 0xFFFF & ~OverflowBit(i);
+    OverFlowIN[at].OnClick = [this, keep] { return ChangeRegister(kStatus, BitChange{.andMask = keep}); };
+    TotIN[at].OnClick = [this, i] { return TotINClick(i); };
+  }
+  FilterBelk.OnClick = [this] { return EditSetting(FilterBelk, 1, 254); };
+  AddressBelk.OnClick = [this] { return EditSetting(AddressBelk, 1, 255); };
+}
+
+// What Start, the poll and the search do.
+
+void Belk::Load() {
+  DevicePage::Load();
+  BaudBelk.ListIndex = 1;
+}
+
+void Belk::CheckFWVersion(int release) {
+  Firmware.Caption = "FW. Release: " + std::to_string(release);
+  if (release >= kReleaseOfSevenRates) {
+    pages::ShowSevenRates(BaudBelk);
+  } else {
+    pages::ShowFiveRates(BaudBelk);
+  }
+}
+
+void Belk::EnableByFirmware(int release) {
+  const bool enabled = release >= kReleaseOfParity;
+  CheckBelk3.Enabled = enabled;
+  CheckBelk4.Enabled = enabled;
+  CheckBelk5.Enabled = enabled;
+  CheckBelk6.Enabled = enabled;
+  OptionBelk1.Enabled = enabled;
+  OptionBelk2.Enabled = enabled;
+}
+
+core::Task<> Belk::ManageBelk() {
+  ManageContinueBelk();
+  FilterBelk.Caption = std::to_string(Polled(kFilter).Unsigned());
+  ShowCommunication(Polled(kCommunication));
+  co_return;
+}
+
+// The filter, the address and the baud rate stay as the user edited them until they are written.
+void Belk::ManageContinueBelk() {
+  ShowStatus(Polled(kStatus));
+  for (int i = 0; i < kInputs; ++i) ShowCounter(i, Polled(kCounter1 + i));
+  ShowFlags(Polled(kFlags));
+}
+
+core::Task<> Belk::ReadEEPromFlags() {
+  const pages::Hourglass hourglass(Context());
+  SetupModcomOCX();
+  // A port that does not open shows as an identity that is not read.
+  (void)ModCom1.SetPortOpen(true);
+  const Word identity = co_await ReadOne("40001"_reg);
+  if (identity.High() == kIdentity.code) {
+    const Word status = co_await ReadOne(kStatus);
+    ShowStatus(status);
+    for (int i = 0; i < kInputs; ++i) {
+      const Word counter = co_await ReadOne(kCounter1 + i);
+      ShowCounter(i, counter);
+    }
+    const Word filter = co_await ReadOne(kFilter);
+    FilterBelk.Caption = std::to_string(filter.Unsigned());
+    // Kept, so that a commit before the first session stores the module's own flags.
+    const Word flags = co_await ReadOne(kFlags);
+    Polled(kFlags) = flags;
+    ShowFlags(flags);
+  }
+  (void)ModCom1.SetPortOpen(false);
+}
+
+void Belk::ShowStatus(Word status) {
+  for (int i = 0; i < kInputs; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    StatoIN[at].Picture = status.Has(InputBit(i)) ? 2 : 1;
+    OverFlowIN[at].BackColor = status.Has(OverflowBit(i)) ? view::kRed : view::kDarkRed;
+  }
+}
+
+void Belk::ShowCounter(int input, Word counter) {
+  const auto at = static_cast<std::size_t>(input);
+  TotIN[at].Caption = std::to_string(counter.Unsigned());
+  pages::ShowPercent(BargBelk[at], counter.Unsigned() * 100.0 / kFullCounter);
+}
+
+void Belk::ShowFlags(Word flags) {
+  for (const pages::Flag& flag : flags_) flag.box.Value = flags.Has(flag.setMask) ? 1 : 0;
+  // Said again whatever the box showed before: the flag overrules what the firmware's release has disabled.
+  OptionBelk1.Enabled = flags.Has(kParityOn);
+  OptionBelk2.Enabled = flags.Has(kParityOn);
+  (flags.Has(kParityOdd) ? OptionBelk2 : OptionBelk1).Value = true;
+}
+
+void Belk::ShowCommunication(Word communication) {
+  AddressBelk.Caption = std::to_string(communication.Low());
+  BaudBelk.SelectCode(communication.High());
+}
+
+// What the user does.
+
+core::Task<> Belk::TotINClick(int input) {
+  if (!InSession()) co_return;
+  const std::optional<std::string> value = co_await Context().changeValue.AskFor(0, 65535);
+  if (!value) co_return;
+  TotIN[static_cast<std::size_t>(input)].Caption = *value;
+  co_await WriteLive(kCounter1 + input, pages::ToWord(*value));
+}
+
+core::Task<> Belk::EditSetting(view::Label& setting, int minimum, int maximum) {
+  const std::optional<std::string> value = co_await Context().changeValue.AskFor(minimum, maximum);
+  if (value) setting.Caption = *value;
+}
+
+void Belk::BelkEnableControls(bool enabled) {
+  for (view::Label& counter : TotIN) counter.Enabled = enabled;
+  const std::array<view::Control*, 11> edits = {&BaudBelk,   &AddressBelk, &FilterBelk, &CheckBelk1,  &CheckBelk2, &CheckBelk3,
+                                                &CheckBelk4, &CheckBelk5,  &CheckBelk6, &OptionBelk1, &OptionBelk2};
+  for (view::Control* edit : edits) edit->Enabled = enabled;
+}
+
+// How it looks.
+
+view::Node Belk::Arrangement() const {
+  std::vector<view::Node> inputs;
+  for (int i = 0; i < kInputs; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    view::Node name = view::Show(LabelIN[at]);
+    // The fast counter is input 5.
+    if (i == kInputs - 1) name = view::Row({std::move(name), view::Show(LabelFASTBelk)});
+    inputs.push_back(view::Row({view::Show(StatoIN[at]), std::move(name), view::Show(TotIN[at]), view::Show(BargBelk[at]),
+                                view::Show(OverFlowIN[at])}));
+  }
+  return view::Column({
+      view::Head("Belk", "Five digital inputs with counters",
+                 {view::Show(Firmware), view::Show(Message), view::Show(MediaPlayer1), view::Show(Start), view::Show(Stop)}),
+      view::Frame("Inputs", view::Table({"", "Input", "Counter", "", "Overflow"}, std::move(inputs))),
+      view::Row({
+          view::Frame("Flags", view::Row({
+                                   view::Column({view::Show(CheckBelk1), view::Show(CheckBelk2), view::Show(CheckBelk3)}),
+                                   view::Column({view::Show(CheckBelk4), view::Show(CheckBelk5), view::Show(CheckBelk6),
+                                                 view::Row({view::Show(OptionBelk1), view::Show(OptionBelk2)})}),
+                               })),
+          view::Frame("Module", view::Column({
+                                    view::Field("Input Filter", view::Show(FilterBelk)),
+                                    view::Field("Module Address", view::Show(AddressBelk)),
+                                    view::Field("Module Baud Rate", view::Show(BaudBelk)),
+                                })),
+      }),
+      view::Space(),
+  });
+}
+
+}  // namespace tarvo::models

@@ -1,0 +1,96 @@
+#include "pages/number_text.h"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "core/fault.h"
+
+namespace tarvo::pages {
+
+namespace {
+
+struct Decimal {
+  bool negative = false;
+  std::string_view whole;
+  std::string_view fraction;
+};
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+std::string_view TakeDigits(std::string_view& text) {
+  std::size_t length = 0;
+  while (length < text.size() && IsDigit(text[length])) ++length;
+  const std::string_view digits = text.substr(0, length);
+  text.remove_prefix(length);
+  return digits;
+}
+
+std::string_view Trim(std::string_view text) {
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+std::optional<Decimal> Parse(std::string_view text) {
+  text = Trim(text);
+  Decimal decimal;
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+    decimal.negative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  decimal.whole = TakeDigits(text);
+  if (!text.empty() && (text.front() == '.' || text.front() == ',')) {
+    text.remove_prefix(1);
+    decimal.fraction = TakeDigits(text);
+  }
+  if (!text.empty() || (decimal.whole.empty() && decimal.fraction.empty())) return std::nullopt;
+  return decimal;
+}
+
+/// What the digits behind the separator add to the whole number before them.
+bool RoundsUp(std::string_view fraction, bool wholeIsOdd) {
+  if (fraction.empty() || fraction.front() < '5') return false;
+  if (fraction.front() > '5') return true;
+  const bool tie = fraction.find_first_not_of('0', 1) == std::string_view::npos;
+  return !tie || wholeIsOdd;
+}
+
+}  // namespace
+
+bool IsNumeric(std::string_view text) {
+  return Parse(text).has_value();
+}
+
+std::int32_t ToInteger(std::string_view text) {
+  const std::optional<Decimal> decimal = Parse(text);
+  if (!decimal) throw core::Fault(core::kTypeMismatch);
+
+  constexpr std::int64_t kBeyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 2;
+  std::int64_t magnitude = 0;
+  for (const char digit : decimal->whole) {
+    magnitude = magnitude * 10 + (digit - '0');
+    if (magnitude > kBeyond) magnitude = kBeyond;
+  }
+  if (RoundsUp(decimal->fraction, magnitude % 2 != 0)) ++magnitude;
+  const std::int64_t value = decimal->negative ? -magnitude : magnitude;
+  if (value > std::numeric_limits<std::int32_t>::max() || value < std::numeric_limits<std::int32_t>::min()) {
+    throw core::Fault(core::kOverflow);
+  }
+  return static_cast<std::int32_t>(value);
+}
+
+state::Word ToWord(std::string_view text) {
+  const std::int32_t value = ToInteger(text);
+  if (value < -32768 || value > 65535) throw core::Fault(core::kOverflow);
+  return state::Word(static_cast<unsigned>(value) & 0xFFFFU);
+}
+
+int RoundTiesToEven(double value) {
+  return static_cast<int>(std::nearbyint(value));
+}
+
+}  // namespace tarvo::pages

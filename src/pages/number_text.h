@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "state/word.h"
+
+namespace tarvo::pages {
+
+/// True for an optional sign and decimal digits with at most one decimal separator, "." or ",", blanks around it left
+/// aside.
+bool IsNumeric(std::string_view text);
+
+/// The integer nearest to a numeric text, ties to even. Throws the fault "Type mismatch" for a text that is not
+/// numeric, "Overflow" for a value that does not fit.
+std::int32_t ToInteger(std::string_view text);
+
+/// The word that is sent for a number of a page: a negative value has 65536 added. Throws as `ToInteger` does, and
+/// "Overflow" outside -32768 to 65535.
+state::Word ToWord(std::string_view text);
+
+/// Nearest integer, ties to even.
+int RoundTiesToEven(double value);
+
+}  // namespace tarvo::pages

@@ -1,0 +1,83 @@
+#include "simulator/model.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+namespace tarvo::simulator {
+
+namespace {
+
+struct BaudCode {
+  int baud;
+  int code;
+};
+
+constexpr std::array kBaudCodes = {BaudCode{1200, 6},  BaudCode{2400, 7},  BaudCode{4800, 0}, BaudCode{9600, 1},
+                                   BaudCode{19200, 2}, BaudCode{38400, 3}, BaudCode{57600, 4}};
+
+// A function's static, so that it is there before the first registration, whatever the order of the files.
+std::map<std::string, Registration::Maker, std::less<>>& Makers() {
+  static std::map<std::string, Registration::Maker, std::less<>> makers;
+  return makers;
+}
+
+}  // namespace
+
+void Model::SetFirmware(int release) {
+  registers.Set(data_.identity, state::Word(static_cast<unsigned>(data_.code << 8 | release)));
+}
+
+Setting Model::GetSetting() const {
+  Setting setting;
+  const state::Word communication = registers.Get(data_.communication);
+  if (communication.Low() != 0) setting.address = communication.Low();
+  for (const BaudCode& entry : kBaudCodes) {
+    if (entry.code == communication.High()) setting.line.baud = entry.baud;
+  }
+  const state::Word flags = registers.Get(data_.flags);
+  if (flags.Has(data_.parityMask)) {
+    setting.line.parity = flags.Has(data_.oddMask) ? bus::Parity::kOdd : bus::Parity::kEven;
+  }
+  return setting;
+}
+
+void Model::SetSetting(const Setting& setting) {
+  for (const BaudCode& entry : kBaudCodes) {
+    if (entry.baud != setting.line.baud) continue;
+    registers.Set(data_.communication, state::Word(static_cast<unsigned>(entry.code << 8 | setting.address)));
+  }
+  state::Word flags = registers.Get(data_.flags).And(~(data_.parityMask | data_.oddMask));
+  if (setting.line.parity != bus::Parity::kNone) flags = flags.Or(data_.parityMask);
+  if (setting.line.parity == bus::Parity::kOdd) flags = flags.Or(data_.oddMask);
+  registers.Set(data_.flags, flags);
+}
+
+void Model::StoreImages() {
+  for (const ImagePair& pair : data_.images) registers.Set(pair.image, registers.Get(pair.live));
+}
+
+void Model::LoadImages() {
+  for (const ImagePair& pair : data_.images) {
+    const RegisterRange& range = *registers.RangeOf(pair.live);
+    const int value = std::clamp(registers.Get(pair.image).Unsigned(), range.lowest, range.highest);
+    registers.Set(pair.live, state::Word(static_cast<unsigned>(value)));
+  }
+}
+
+Registration::Registration(std::string_view name, Maker maker) {
+  Makers().emplace(name, maker);
+}
+
+std::unique_ptr<Model> MakeModel(std::string_view name) {
+  const auto found = Makers().find(name);
+  return found == Makers().end() ? nullptr : found->second();
+}
+
+std::vector<std::string> ModelNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, maker] : Makers()) names.push_back(name);
+  return names;
+}
+
+}  // namespace tarvo::simulator

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bus/line_settings.h"
+#include "core/scheduler.h"
+#include "simulator/registers.h"
+
+namespace tarvo::simulator {
+
+/// A live register and the EEPROM register that holds its stored copy.
+struct ImagePair {
+  state::Register live;
+  state::Register image;
+};
+
+/// What a model is by data. The defaults fit most models.
+struct ModelData {
+  std::string_view name;  ///< as the command line names it
+  int code = 0;           ///< high byte of the identity
+  std::vector<RegisterRange> registers;
+  std::vector<ImagePair> images;
+  state::Register identity{40001};
+  state::Register communication;  ///< high byte the baud code, low byte the address
+  state::Register flags;          ///< holds the three bits below
+  state::Register reset;
+  unsigned resetValue = 1;
+  unsigned delayMask = 0x04;   ///< each reply comes 12 ms later
+  unsigned parityMask = 0x08;  ///< parity on
+  unsigned oddMask = 0x10;     ///< odd parity, even when clear
+};
+
+using Random = std::mt19937;
+
+/// Address and line setting of a module.
+struct Setting {
+  int address = 1;  ///< 1 to 255
+  bus::LineSettings line;
+
+  friend bool operator==(const Setting&, const Setting&) = default;
+};
+
+/// How one model of module behaves, and the registers of one such module. A new model is a file in `models/`: its
+/// data, the hooks that differ, and a `Registration`.
+class Model {
+ public:
+  /// `data` must outlive the model.
+  explicit Model(const ModelData& data) : registers(data.registers), data_(data) {}
+  Model(const Model&) = delete;
+  Model& operator=(const Model&) = delete;
+  virtual ~Model() = default;
+
+  const ModelData& Data() const { return data_; }
+
+  /// Puts the firmware release where the module shows it: the low byte of the identity.
+  virtual void SetFirmware(int release);
+  /// Gives the module something to show before its life begins; not called for a module that keeps still.
+  virtual void Seed(Random& random) { (void)random; }
+  /// `elapsed` has gone by: moves inputs, counters, measured values on.
+  virtual void Live(core::Duration elapsed) { (void)elapsed; }
+  /// What a master reads in `reg`, which the module has.
+  virtual state::Word Read(state::Register reg) const { return registers.Get(reg); }
+  /// A master writes `value`, which the register map allows.
+  virtual void Write(state::Register reg, state::Word value) { registers.Set(reg, value); }
+  /// The module restarts: what is not stored goes back to its start.
+  virtual void Restarted() {}
+
+  /// Address and line that the live registers tell. Values that no module could start with become address 1 and 9600.
+  virtual Setting GetSetting() const;
+  virtual void SetSetting(const Setting& setting);
+
+  /// The module's EEPROM takes what is live.
+  void StoreImages();
+  /// The live registers take what the EEPROM holds, each within its bounds.
+  void LoadImages();
+
+  Registers registers;
+
+ private:
+  const ModelData& data_;
+};
+
+/// The models by name. Each model's file has one `Registration` at namespace scope.
+class Registration {
+ public:
+  using Maker = std::unique_ptr<Model> (*)();
+  Registration(std::string_view name, Maker maker);
+};
+
+template <typename Kind>
+std::unique_ptr<Model> Make() {
+  return std::make_unique<Kind>();
+}
+
+/// A new module of the model with this name; null when there is none.
+std::unique_ptr<Model> MakeModel(std::string_view name);
+/// The names of all models in alphabetical order.
+std::vector<std::string> ModelNames();
+
+}  // namespace tarvo::simulator

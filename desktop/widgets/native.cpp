@@ -1,0 +1,77 @@
+#include "desktop/widgets/native.h"
+
+#include <QKeyEvent>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+#include <QWheelEvent>
+#include <utility>
+
+#include "desktop/widgets/measure.h"
+
+namespace tarvo::desktop {
+
+namespace {
+
+bool IsEnter(const QKeyEvent& event) {
+  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+}  // namespace
+
+PushButton::PushButton(QWidget* parent, std::function<void()> onEnter)
+    : QPushButton(parent), onEnter_(std::move(onEnter)) {
+  // Enter belongs to the button that has the focus, in a dialog too.
+  setAutoDefault(false);
+}
+
+void PushButton::keyPressEvent(QKeyEvent* event) {
+  if (!IsEnter(*event)) return QPushButton::keyPressEvent(event);
+  if (!event->isAutoRepeat()) onEnter_();
+}
+
+void PushButton::paintEvent(QPaintEvent* event) {
+  if (!accent_ || !isEnabled()) return QPushButton::paintEvent(event);
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  option.palette.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+  option.palette.setColor(QPalette::ButtonText, palette().color(QPalette::HighlightedText));
+  QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+}
+
+OptionMark::OptionMark(QWidget* parent) : QRadioButton(parent) {
+  // The view's groups decide what excludes what.
+  setAutoExclusive(false);
+}
+
+ListField::ListField(QWidget* parent) : QComboBox(parent) {
+  setSizeAdjustPolicy(QComboBox::AdjustToContents);
+  setFocusPolicy(Qt::StrongFocus);
+}
+
+void ListField::wheelEvent(QWheelEvent* event) {
+  event->ignore();
+}
+
+TextField::TextField(QWidget* parent) : QLineEdit(parent) {
+  const int side = Em(*this, 0.25);
+  setTextMargins(side, 0, side, 0);
+}
+
+void TextField::keyPressEvent(QKeyEvent* event) {
+  if (IsEnter(*event)) {
+    if (!event->isAutoRepeat()) onKey(view::Key::kEnter);
+  } else if (event->key() == Qt::Key_Escape) {
+    onKey(view::Key::kEscape);
+  } else {
+    QLineEdit::keyPressEvent(event);
+  }
+}
+
+void TextField::focusOutEvent(QFocusEvent* event) {
+  QLineEdit::focusOutEvent(event);
+  // Another window in front, or the field's own menu, does not take the focus from it within its window.
+  const Qt::FocusReason reason = event->reason();
+  if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) onLeave();
+}
+
+}  // namespace tarvo::desktop

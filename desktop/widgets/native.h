@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <functional>
+
+#include "view/control.h"
+
+// The toolkit's own widgets, kept from changing themselves: a gesture asks the view, and the view's value is shown.
+namespace tarvo::desktop {
+
+class PushButton : public QPushButton {
+ public:
+  PushButton(QWidget* parent, std::function<void()> onEnter);
+
+  /// The one button of a page that the eye should find: painted in the palette's highlight.
+  void Accent() { accent_ = true; }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  std::function<void()> onEnter_;
+  bool accent_ = false;
+};
+
+class CheckMark : public QCheckBox {
+ public:
+  using QCheckBox::QCheckBox;
+
+ protected:
+  void nextCheckState() override {}
+};
+
+class OptionMark : public QRadioButton {
+ public:
+  explicit OptionMark(QWidget* parent);
+
+ protected:
+  void nextCheckState() override {}
+};
+
+class ListField : public QComboBox {
+ public:
+  explicit ListField(QWidget* parent);
+
+ protected:
+  /// A wheel that scrolls the page must not change a module's setting on its way.
+  void wheelEvent(QWheelEvent* event) override;
+};
+
+class TextField : public QLineEdit {
+ public:
+  explicit TextField(QWidget* parent);
+
+  std::function<void(view::Key)> onKey;
+  std::function<void()> onLeave;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+};
+
+}  // namespace tarvo::desktop

@@ -20,8 +20,8 @@ class ScopeEntry : public ListLink {
 
 }  // namespace detail
 
-/// Owns the tasks that run on their own. Its end destroys those that have not ended.
-/// A member that is declared last, so that no frame outlives what it uses.
+/// Owns the tasks that run on their own. Its end destroys those that have not ended: it goes, or is cancelled, before
+/// anything that they use.
 class Scope {
  public:
   /// `onFault` gets each exception that a spawned task did not catch.

@@ -19,7 +19,7 @@ constexpr pages::PageIdentity kIdentity = {
     .model = "Belk",
     .window = "Belk",
     .code = 0x01,
-    .pollRegister = "40002"_reg,
+    .pollRegister = Belk::kStatus,
     .pollCount = 9,
     .runKind = 1,
     .pollFormat = 0,
@@ -143,25 +143,31 @@ void Belk::ManageContinueBelk() {
 
 core::Task<> Belk::ReadEEPromFlags() {
   const pages::Hourglass hourglass(Context());
-  SetupModcomOCX();
-  // A port that does not open shows as an identity that is not read.
-  (void)ModCom1.SetPortOpen(true);
-  const Word identity = co_await ReadOne("40001"_reg);
-  if (identity.High() == kIdentity.code) {
-    const Word status = co_await ReadOne(kStatus);
-    ShowStatus(status);
-    for (int i = 0; i < kInputs; ++i) {
-      const Word counter = co_await ReadOne(kCounter1 + i);
-      ShowCounter(i, counter);
-    }
-    const Word filter = co_await ReadOne(kFilter);
-    FilterBelk.Caption = std::to_string(filter.Unsigned());
-    // Kept, so that a commit before the first session stores the module's own flags.
-    const Word flags = co_await ReadOne(kFlags);
-    Polled(kFlags) = flags;
-    ShowFlags(flags);
+  const bool opens = !ModCom1.PortOpen();
+  if (opens) {
+    SetupModcomOCX();
+    // A port that does not open shows as an identity that is not read.
+    (void)ModCom1.SetPortOpen(true);
   }
-  (void)ModCom1.SetPortOpen(false);
+  const std::optional<Word> identity = co_await ReadOne("40001"_reg);
+  if (identity && identity->High() == kIdentity.code) co_await ShowRegisters();
+  if (opens) (void)ModCom1.SetPortOpen(false);
+}
+
+core::Task<> Belk::ShowRegisters() {
+  const std::optional<Word> status = co_await ReadOne(kStatus);
+  if (status) ShowStatus(*status);
+  for (int i = 0; i < kInputs; ++i) {
+    const std::optional<Word> counter = co_await ReadOne(kCounter1 + i);
+    if (counter) ShowCounter(i, *counter);
+  }
+  const std::optional<Word> filter = co_await ReadOne(kFilter);
+  if (filter) FilterBelk.Caption = std::to_string(filter->Unsigned());
+  const std::optional<Word> flags = co_await ReadOne(kFlags);
+  if (!flags) co_return;
+  // Kept, so that a commit before the first session stores the module's own flags.
+  Polled(kFlags) = *flags;
+  ShowFlags(*flags);
 }
 
 void Belk::ShowStatus(Word status) {
@@ -208,8 +214,9 @@ core::Task<> Belk::EditSetting(view::Label& setting, int minimum, int maximum) {
 
 void Belk::BelkEnableControls(bool enabled) {
   for (view::Label& counter : TotIN) counter.Enabled = enabled;
-  const std::array<view::Control*, 11> edits = {&BaudBelk,   &AddressBelk, &FilterBelk, &CheckBelk1,  &CheckBelk2, &CheckBelk3,
-                                                &CheckBelk4, &CheckBelk5,  &CheckBelk6, &OptionBelk1, &OptionBelk2};
+  const std::array<view::Control*, 11> edits = {&BaudBelk,   &AddressBelk, &FilterBelk, &CheckBelk1,
+                                                &CheckBelk2, &CheckBelk3,  &CheckBelk4, &CheckBelk5,
+                                                &CheckBelk6, &OptionBelk1, &OptionBelk2};
   for (view::Control* edit : edits) edit->Enabled = enabled;
 }
 
@@ -222,19 +229,21 @@ view::Node Belk::Arrangement() const {
     view::Node name = view::Show(LabelIN[at]);
     // The fast counter is input 5.
     if (i == kInputs - 1) name = view::Row({std::move(name), view::Show(LabelFASTBelk)});
-    inputs.push_back(view::Row({view::Show(StatoIN[at]), std::move(name), view::Show(TotIN[at]), view::Show(BargBelk[at]),
-                                view::Show(OverFlowIN[at])}));
+    inputs.push_back(view::Row({view::Show(StatoIN[at]), std::move(name), view::Show(TotIN[at]),
+                                view::Show(BargBelk[at]), view::Show(OverFlowIN[at])}));
   }
   return view::Column({
-      view::Head("Belk", "Five digital inputs with counters",
-                 {view::Show(Firmware), view::Show(Message), view::Show(MediaPlayer1), view::Show(Start), view::Show(Stop)}),
+      view::Head(
+          "Belk", "Five digital inputs with counters",
+          {view::Show(Firmware), view::Show(Message), view::Show(MediaPlayer1), view::Show(Start), view::Show(Stop)}),
       view::Frame("Inputs", view::Table({"", "Input", "Counter", "", "Overflow"}, std::move(inputs))),
       view::Row({
-          view::Frame("Flags", view::Row({
-                                   view::Column({view::Show(CheckBelk1), view::Show(CheckBelk2), view::Show(CheckBelk3)}),
-                                   view::Column({view::Show(CheckBelk4), view::Show(CheckBelk5), view::Show(CheckBelk6),
-                                                 view::Row({view::Show(OptionBelk1), view::Show(OptionBelk2)})}),
-                               })),
+          view::Frame("Flags",
+                      view::Row({
+                          view::Column({view::Show(CheckBelk1), view::Show(CheckBelk2), view::Show(CheckBelk3)}),
+                          view::Column({view::Show(CheckBelk4), view::Show(CheckBelk5), view::Show(CheckBelk6),
+                                        view::Row({view::Show(OptionBelk1), view::Show(OptionBelk2)})}),
+                      })),
           view::Frame("Module", view::Column({
                                     view::Field("Input Filter", view::Show(FilterBelk)),
                                     view::Field("Module Address", view::Show(AddressBelk)),

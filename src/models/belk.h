@@ -66,6 +66,8 @@ class Belk : public pages::DevicePage {
  private:
   core::Task<> ManageBelk();
   void ManageContinueBelk();
+  /// Reads the registers one by one and shows each that was read.
+  core::Task<> ShowRegisters();
 
   void ShowStatus(state::Word status);
   void ShowCounter(int input, state::Word counter);

@@ -13,8 +13,6 @@ using namespace state::literals;
 
 namespace {
 
-constexpr char kStopFirst[] = "Communication must be stopped before exit !";
-
 std::string Named(std::string_view prefix, std::string_view model) {
   return std::string(prefix) + std::string(model);
 }
@@ -56,6 +54,7 @@ DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
   Stop.OnClick = [this] { return StopClick(); };
   TimerLetturaSeriale.OnTimer = [this] { return context_.table.LeggiModulo(); };
   TimerGestioneLetture.OnTimer = [this] { return Decode(); };
+  TimerIngranaggi.OnTimer = [this] { return TurnGears(); };
   MediaPlayer1.OnEnd = [this] {
     if (InSession()) PrepareClip(true);
   };
@@ -104,18 +103,26 @@ core::Task<> DevicePage::StartClick() {
     const PollPause pause(*this);
     co_await context_.table.LeggiModulo();
     if (over()) {
-      MediaPlayer1.Playing = false;
+      UndoStart();
       co_return;
     }
     co_await ManageFirst();
     if (over()) {
-      MediaPlayer1.Playing = false;
+      UndoStart();
       co_return;
     }
   }
+  // The message label shows what the first poll gave.
   State().RunKind = identity_.runKind;
   context_.table.DeselectStart();
   context_.navigation.DisableNavigation();
+}
+
+/// After Stop, or when the page was left before the session stood.
+void DevicePage::UndoStart() {
+  MediaPlayer1.Playing = false;
+  State().StartComm = state::kFalse;
+  context_.table.ReselectStart();
 }
 
 core::Task<> DevicePage::TakeDown() {
@@ -147,6 +154,11 @@ core::Task<> DevicePage::Decode() {
   co_return;
 }
 
+core::Task<> DevicePage::TurnGears() {
+  context_.table.MuoviIngranaggi();
+  co_return;
+}
+
 void DevicePage::EnableTimers() {
   TimerLetturaSeriale.Enabled = true;
   TimerGestioneLetture.Enabled = true;
@@ -173,7 +185,7 @@ core::Task<> DevicePage::ChangeRegister(Register target, BitChange change) {
   Word value;
   co_await ModCom1.ReadPLC(target, value, 1, bus::kFormat);
   co_await ModCom1.Free();
-  // Also after a read that failed: the module gets what the page knows.
+  // Also after a read that failed: the write then starts from 0, which is meant.
   co_await WriteAndKeep(target, change.Of(value));
 }
 
@@ -218,8 +230,8 @@ void DevicePage::SetupModcomOCX() {
   ModCom1.CommPort = State().PCPort;
 }
 
-core::Task<Word> DevicePage::ReadOne(Register source) {
-  Word value;
+core::Task<std::optional<Word>> DevicePage::ReadOne(Register source) {
+  std::optional<Word> value;
   co_await ModCom1.ReadPLC(source, value, 1, bus::kFormat);
   co_await ModCom1.Free();
   co_return value;
@@ -249,7 +261,7 @@ void DevicePage::Deactivate() {
 }
 
 core::Task<bool> DevicePage::QueryUnload() {
-  if (!InSession()) co_return true;
+  if (!InSession() && context_.hourglasses == 0) co_return true;
   co_await context_.screen.MsgBox(kStopFirst, view::Icon::kExclamation);
   co_return false;
 }

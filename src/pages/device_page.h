@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -12,16 +13,19 @@
 
 namespace tarvo::pages {
 
+/// The message that refuses an exit or a close while a session runs.
+inline constexpr char kStopFirst[] = "Communication must be stopped before exit !";
+
 /// What a page is to the session, one row of the page table.
 struct PageIdentity {
-  int number;                   ///< `NrFinestra`
-  std::string_view model;       ///< as in the messages
-  std::string_view window;      ///< name of the page
-  int code;                     ///< high byte of register 40001
+  int number;               ///< `NrFinestra`
+  std::string_view model;   ///< as in the messages
+  std::string_view window;  ///< name of the page
+  int code;                 ///< high byte of register 40001
   state::Register pollRegister;
   int pollCount;
-  int runKind;                  ///< what Start leaves in `RunKind`
-  std::int16_t pollFormat;      ///< fourth argument of the poll read, 0 where the page gives none
+  int runKind;              ///< what Start leaves in `RunKind`
+  std::int16_t pollFormat;  ///< fourth argument of the poll read, 0 where the page gives none
 };
 
 /// A change of some bits of a register: what is set, then what stays.
@@ -102,8 +106,8 @@ class DevicePage : public view::Window {
 
   /// Sets up `ModCom1` from the shared values, without opening the port.
   void SetupModcomOCX();
-  /// Reads one register while no session runs; a read that fails gives 0.
-  core::Task<state::Word> ReadOne(state::Register source);
+  /// Reads one register; nothing when the read fails, so that what is shown stays.
+  core::Task<std::optional<state::Word>> ReadOne(state::Register source);
 
  private:
   class PollPause;
@@ -111,7 +115,9 @@ class DevicePage : public view::Window {
   core::Task<> StartClick();
   core::Task<> StopClick();
   core::Task<> TakeDown();
+  void UndoStart();
   core::Task<> Decode();
+  core::Task<> TurnGears();
   core::Task<> PressFlag(const Flag& flag);
   core::Task<> WriteAndKeep(state::Register target, state::Word value);
   void EnableTimers();
@@ -120,7 +126,7 @@ class DevicePage : public view::Window {
   void ClosePort();
 
   PageContext& context_;
-  const PageIdentity& identity_;
+  const PageIdentity identity_;
   int session_ = 0;  ///< counts sessions begun and ended: who waits sees by it that his session is over
   int pauses_ = 0;   ///< handlers of this session that hold the timers
 };

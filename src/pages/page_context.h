@@ -23,8 +23,8 @@ struct PageContext {
   int hourglasses = 0;  ///< handlers that hold the hourglass now
 };
 
-/// Shows the hourglass as long as it lives. While one lives outside a session, nothing leads away from the page:
-/// nobody may tear what is half done.
+/// Shows the hourglass as long as it lives. While one lives, nothing leads away from the page: nobody may tear what is
+/// half done.
 class Hourglass {
  public:
   explicit Hourglass(PageContext& context) : context_(context) {

@@ -7,12 +7,6 @@
 
 namespace tarvo::shell {
 
-namespace {
-
-constexpr char kStopFirst[] = "Communication must be stopped before exit !";
-
-}  // namespace
-
 MainWindow::MainWindow(view::Screen& screen, state::SharedState& state)
     : Window(screen, "MDIForm1", "Tarvo " + std::string(Version())),
       StatusBar1([this](int i) { return view::Panel(*this, "StatusBar1", i + 1); }),
@@ -73,7 +67,7 @@ bool MainWindow::MustStopFirst() const {
 
 core::Task<> MainWindow::ExitClick() {
   if (MustStopFirst()) {
-    co_await GetScreen().MsgBox(kStopFirst, view::Icon::kNone);
+    co_await GetScreen().MsgBox(pages::kStopFirst, view::Icon::kNone);
     co_return;
   }
   Unload();
@@ -81,11 +75,12 @@ core::Task<> MainWindow::ExitClick() {
 
 core::Task<bool> MainWindow::QueryUnload() {
   if (!MustStopFirst()) co_return true;
-  co_await GetScreen().MsgBox(kStopFirst, view::Icon::kExclamation);
+  co_await GetScreen().MsgBox(pages::kStopFirst, view::Icon::kExclamation);
   co_return false;
 }
 
 void MainWindow::Unload() {
+  for (const Entry& entry : entries_) context_->table.Page(entry.page)->Unload();
   ended_ = true;
 }
 

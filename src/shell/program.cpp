@@ -25,7 +25,7 @@ struct Program::Parts {
   state::SharedState state;
   pages::PageTable table{state};
   pages::ChangeValue changeValue{screen, state};
-  shell::MainWindow mainWindow{screen, state};
+  MainWindow mainWindow{screen, state};
   pages::PageContext context;
   models::Belk belk{context};
   std::vector<view::Window*> windows;
@@ -60,10 +60,6 @@ view::Screen& Program::GetScreen() {
 
 state::SharedState& Program::State() {
   return parts_->state;
-}
-
-view::Window& Program::MainWindow() {
-  return parts_->mainWindow;
 }
 
 const std::vector<view::Window*>& Program::Windows() const {

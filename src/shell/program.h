@@ -38,7 +38,6 @@ class Program {
 
   view::Screen& GetScreen();
   state::SharedState& State();
-  view::Window& MainWindow();
   /// Every window, pages first in the page table's order, the main window last.
   const std::vector<view::Window*>& Windows() const;
   view::Window* FindWindow(std::string_view name) const;

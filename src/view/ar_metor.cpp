@@ -27,7 +27,7 @@ std::vector<NamedValue> ARMetor::Properties() const {
 }
 
 void ARMetor::SetPercent(int percent) {
-  // No lower test: a negative percent passes, and draws nothing.
+  // No lower test: a negative percent passes.
   if (percent > 100) throw core::Fault("Percent must be between 0 and 100.", kPercentFault, "Meter::Percent (Let)");
   percent_ = percent;
 }

@@ -18,7 +18,7 @@ class ARMetor : public Control {
 
   Property<std::string> Caption{*this};  ///< a new meter shows its own name
   Property<std::string> Font{*this};     ///< empty for the container's
-  Property<Colour> BackColor{*this};     ///< of the picture area; a new meter takes the container's
+  Property<Colour> BackColor{*this};     ///< of the picture area; 0 for the container's
   Property<Colour> FillColor{*this, kRed};
 
   int Percent() const { return percent_; }

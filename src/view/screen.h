@@ -49,7 +49,6 @@ class Modal {
 
   Modal(core::Scheduler& scheduler, What what, int id, std::shared_ptr<GestureRun> opener);
 
-  const What& GetWhat() const { return what_; }
   const MessageBox* AsMessageBox() const { return std::get_if<MessageBox>(&what_); }
   const FileDialog* AsFileDialog() const { return std::get_if<FileDialog>(&what_); }
   Window* AsWindow() const {

@@ -96,7 +96,7 @@ TEST(RtuMaster, ThrowsAwayWhatLiesInTheInputUntold) {
   line.Deliver(ReadReply({666}));
   bench.Scheduler.RunReady();
 
-  struct Listener : RtuListener {
+  struct Listener final : RtuListener {
     void ExchangeEnded(Outcome outcome) override { ended = outcome; }
     std::optional<Outcome> ended;
   };

@@ -126,21 +126,24 @@ TEST_F(WindowRules, ExitDoesNotEndTheProgramWhileStartHoldsTheHourglass) {
   EXPECT_TRUE(InSession());
 }
 
-TEST_F(WindowRules, APageThatIsClosedWhileStartBeginsLeavesNothingOpen) {
+TEST_F(WindowRules, APageIsNotClosedWhileStartHoldsTheHourglass) {
   const auto start = ClickAndGoOn("StartBelk");
   ClosePage();
-  if (BoxInFront() != nullptr) {
-    // Refused, as the main window is.
-    EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-    AnswerOk();
-    ASSERT_TRUE(RunUntil([&] { return start->Done(); }));
-    EXPECT_TRUE(InSession());
-    return;
-  }
+  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
+  AnswerOk();
+  ASSERT_TRUE(RunUntil([&] { return start->Done(); }));
+  EXPECT_TRUE(InSession());
+}
+
+TEST_F(WindowRules, AStartWhosePageIsLeftInItsFirstPollUndoesItself) {
+  const auto start = ClickAndGoOn("StartBelk");
+  ASSERT_TRUE(RunUntil([&] { return InSession(); }));
+  program.FindWindow("Belk")->Deactivate();
   ASSERT_TRUE(RunUntil([&] { return start->Done(); }));
   EXPECT_FALSE(InSession());
   EXPECT_FALSE(line.IsOpen());
   EXPECT_FALSE(Hourglass());
+  EXPECT_TRUE(Enabled("StartBelk"));
 }
 
 TEST_F(WindowRules, LeavingAPageClosesItsPort) {

@@ -1,13 +1,14 @@
 #include "bus/modcom/doubt.h"
 
 #include <algorithm>
+#include <span>
 
 namespace tarvo::bus {
 
 /// `count_` when it is not there.
 std::size_t Doubt::PlaceOf(std::uint16_t readCount) const {
-  const auto end = onTheWay_.begin() + static_cast<std::ptrdiff_t>(count_);
-  return static_cast<std::size_t>(std::find(onTheWay_.begin(), end, readCount) - onTheWay_.begin());
+  const std::span lengths = std::span(onTheWay_).first(count_);
+  return static_cast<std::size_t>(std::find(lengths.begin(), lengths.end(), readCount) - lengths.begin());
 }
 
 bool Doubt::Holds(std::uint16_t readCount) const {

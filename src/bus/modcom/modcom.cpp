@@ -84,18 +84,18 @@ core::Status ModCom::ResetLink() {
 }
 
 ModCom::Request ModCom::ReadPLC(state::Register first, state::Word& data, std::int16_t count, std::int16_t /*format*/) {
-  return Request(*this, ReadOf(ModuleAddr(), first, count), &data);
+  return {*this, ReadOf(ModuleAddr(), first, count), &data};
 }
 
 ModCom::Request ModCom::ReadPLC(state::Register first, std::optional<state::Word>& data, std::int16_t count,
                                 std::int16_t /*format*/) {
-  return Request(*this, ReadOf(ModuleAddr(), first, count), &data);
+  return {*this, ReadOf(ModuleAddr(), first, count), &data};
 }
 
 ModCom::Request ModCom::ReadPLC(state::Register first, std::span<state::Word> data, std::int16_t count,
                                 std::int16_t /*format*/) {
   if (count > static_cast<std::ptrdiff_t>(data.size())) throw core::Fault(core::kSubscriptOutOfRange);
-  return Request(*this, ReadOf(ModuleAddr(), first, count), data);
+  return {*this, ReadOf(ModuleAddr(), first, count), data};
 }
 
 ModCom::Request ModCom::WritePLC(state::Register target, state::Word value, std::int16_t /*count*/,
@@ -105,7 +105,7 @@ ModCom::Request ModCom::WritePLC(state::Register target, state::Word value, std:
   request.function = kWriteSingleRegister;
   request.address = AddressOnLine(target);
   request.value = static_cast<std::uint16_t>(value.Unsigned());
-  return Request(*this, request, std::monostate());
+  return {*this, request, std::monostate()};
 }
 
 ModCom::FreeBus ModCom::Free() {

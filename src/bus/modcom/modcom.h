@@ -54,7 +54,7 @@ class ModCom : public view::Control, private RtuListener {
   /// Re-applies `Settings` on the open port; nothing when it is closed. A fault leaves the line as it was.
   core::Status ResetLink();
 
-  class Request;
+  class Request;  // NOLINT(cppcoreguidelines-virtual-class-destructor): it is final
   /// Reads `count` registers (1 to 125) from `first`; the first word goes to `data`, which keeps what it had when the
   /// read fails. Waits its turn. Awaited, gives the `Outcome`.
   Request ReadPLC(state::Register first, state::Word& data, std::int16_t count = 1, std::int16_t format = kFormat);
@@ -69,7 +69,7 @@ class ModCom : public view::Control, private RtuListener {
 
   /// `co_await ModCom1.Free()`: goes on at once when the bus is free, else when it is this waiter's turn and the bus
   /// is free.
-  class FreeBus;
+  class FreeBus;  // NOLINT(cppcoreguidelines-virtual-class-destructor): it is final
   FreeBus Free();
 
   std::vector<view::NamedValue> Properties() const override;

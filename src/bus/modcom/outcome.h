@@ -4,19 +4,19 @@
 
 namespace tarvo::bus {
 
-/// How a request to a module ended. The system knows only -1 and "anything else"; the line's log and the tests see all.
+/// How a request to a module ended. The system knows only -1 and "anything else"; the tests see all.
 class Outcome {
  public:
   enum class Kind : std::int16_t {
     kGood = -1,
     kSilence = 1,
-    kWrongCrc,
-    kTorn,       ///< a reply that began and did not end
-    kForeign,    ///< only replies of another address, function, length or value
-    kException,  ///< the module refused; not tried again
-    kPortGone,
-    kClosed,  ///< the port is not open
-    kBusy,    ///< a poll that met another request
+    kWrongCrc = 2,
+    kTorn = 3,       ///< a reply that began and did not end
+    kForeign = 4,    ///< only replies of another address, function, length or value
+    kException = 5,  ///< the module refused; not tried again
+    kPortGone = 6,
+    kClosed = 7,  ///< the port is not open
+    kBusy = 8,    ///< a poll that met another request
   };
 
   constexpr Outcome() = default;
@@ -36,7 +36,7 @@ class Outcome {
   std::uint8_t exceptionCode_ = 0;
 };
 
-/// For logs and tests: "good", "silence", "wrong CRC".
+/// For the messages of tests: "good", "silence", "wrong CRC".
 const char* NameOf(Outcome::Kind kind);
 
 }  // namespace tarvo::bus

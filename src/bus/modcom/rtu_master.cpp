@@ -216,8 +216,7 @@ void RtuMaster::TakeInput() {
   for (int piece = 0; piece < kMostPieces; ++piece) {
     if (receivedCount_ == received_.size()) {
       // Any reply that is still incomplete is within the last bytes.
-      const auto kept = received_.end() - kLongestFrame;
-      std::copy(kept, received_.end(), received_.begin());
+      std::copy(received_.end() - kLongestFrame, received_.end(), received_.begin());
       receivedCount_ = kLongestFrame;
     }
     const std::size_t taken = port_.Take(std::span(received_).subspan(receivedCount_));

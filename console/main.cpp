@@ -15,10 +15,10 @@
 
 #include "console/console.h"
 #include "console/options.h"
-#include "console/typed_input.h"
 #include "platform/com_ports.h"
 #include "platform/poll_loop.h"
 #include "platform/settings_file.h"
+#include "platform/typed_input.h"
 #include "shell/program.h"
 
 namespace tarvo::console {
@@ -87,7 +87,7 @@ int Main(std::span<const char* const> arguments) {
     return 0;
   }
   const bool someoneReads = !options.json && isatty(STDIN_FILENO) != 0 && isatty(STDOUT_FILENO) != 0;
-  const TypedInput input(
+  const platform::TypedInput input(
       loop, STDIN_FILENO, Console::kLongestLine, [&](std::string_view line) { console.Arrive(line); },
       [&] { console.EndInput(); });
   console.RunTyped(someoneReads ? "> " : "");

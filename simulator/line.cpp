@@ -63,10 +63,15 @@ void Line::Arrived(std::span<const std::uint8_t> bytes, const std::optional<bus:
 
 void Line::Forget() {
   received_.clear();
-  replies_.clear();
   silence_.Cancel();
-  sending_.Cancel();
-  lineFree_ = scheduler_.Now();
+  std::erase_if(replies_, [](const Reply& reply) { return !reply.late || reply.sent > 0; });
+  if (replies_.empty()) {
+    sending_.Cancel();
+    lineFree_ = scheduler_.Now();
+  } else {
+    sending_.At(replies_.front().Due(1));
+    lineFree_ = replies_.back().Due(replies_.back().bytes.size());
+  }
 }
 
 void Line::TakeRequests() {
@@ -95,15 +100,31 @@ void Line::Execute(std::span<const std::uint8_t> request) {
   for (Module& module : modules_) {
     module.Advance(now);
     if (module.InForce().line != masterLine_) continue;
+    const bool hit = Hit(module);
     Reply reply;
-    reply.bytes = module.Execute(request, now);
+    reply.bytes = module.Execute(request, now, hit && fault_->kind == FaultKind::kException);
     if (reply.bytes.empty()) continue;
-    reply.start = std::max(requestEnd + TurnRound(masterLine_) + module.ReplyDelay(), lineFree_);
+    const core::Duration delay = hit ? SpoilNext(reply.bytes) : core::Duration::zero();
+    if (reply.bytes.empty()) continue;
+    reply.late = delay > core::Duration::zero();
+    reply.start = std::max(requestEnd + TurnRound(masterLine_) + module.ReplyDelay() + delay, lineFree_);
     reply.byteTime = masterLine_.TimeOf(1);
     lineFree_ = reply.Due(reply.bytes.size());
     replies_.push_back(std::move(reply));
     if (replies_.size() == 1) sending_.At(replies_.front().Due(1));
   }
+}
+
+bool Line::Hit(const Module& module) const {
+  return fault_ && (!fault_->address || fault_->address == module.InForce().address);
+}
+
+/// Does to the reply what is ordered; gives how much later it comes.
+core::Duration Line::SpoilNext(std::vector<std::uint8_t>& reply) {
+  const core::Duration delay = fault_->delay;
+  Spoil(fault_->kind, reply, noise_);
+  if (fault_->replies && --*fault_->replies == 0) fault_.reset();
+  return delay;
 }
 
 void Line::SendDue() {

@@ -15,10 +15,20 @@ core::Status Refused(const fs::path& path, const std::string& why) {
 }  // namespace
 
 Links::~Links() {
-  for (const Made& link : made_) {
-    std::error_code error;
-    if (fs::read_symlink(link.path, error) == link.target) fs::remove(link.path, error);
-  }
+  for (const Made& link : made_) TakeAway(link);
+}
+
+void Links::Remove(const std::string& name) {
+  std::erase_if(made_, [path = directory_ / name](const Made& link) {
+    if (link.path != path) return false;
+    TakeAway(link);
+    return true;
+  });
+}
+
+void Links::TakeAway(const Made& link) {
+  std::error_code error;
+  if (fs::read_symlink(link.path, error) == link.target) fs::remove(link.path, error);
 }
 
 core::Status Links::Make(const std::string& name, const std::string& target) {

@@ -20,12 +20,16 @@ class Links {
   /// Makes the link `name`, in the place of an old one. A fault when the directory cannot be made or written, or when
   /// something that is no link has the name.
   core::Status Make(const std::string& name, const std::string& target);
+  /// Takes the link `name` away, if it still leads where it was made to.
+  void Remove(const std::string& name);
 
  private:
   struct Made {
     std::filesystem::path path;
     std::filesystem::path target;
   };
+
+  static void TakeAway(const Made& link);
 
   std::filesystem::path directory_;
   std::vector<Made> made_;

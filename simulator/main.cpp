@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -10,39 +12,50 @@
 #include <vector>
 
 #include "platform/poll_loop.h"
-#include "simulator/line.h"
+#include "platform/typed_input.h"
 #include "simulator/links.h"
 #include "simulator/options.h"
-#include "simulator/pty.h"
+#include "simulator/order.h"
+#include "simulator/port.h"
 
 namespace tarvo::simulator {
 
 namespace {
 
-/// One COM port: its pseudo terminal and the modules behind it.
-class Port {
- public:
-  Port(core::Scheduler& scheduler, std::vector<Module> modules)
-      : pty_(scheduler, {.arrived = [this](auto bytes) { line_.Arrived(bytes, pty_.MasterLine()); },
-                         .left = [this] { line_.Forget(); }}),
-        line_(scheduler, std::move(modules), [this](auto bytes) { pty_.Send(bytes); }) {}
+using Ports = std::map<int, std::unique_ptr<Port>>;
 
-  core::Status Open() { return pty_.Open(); }
-  const std::string& Path() const { return pty_.Path(); }
-  const std::vector<Module>& Modules() const { return line_.Modules(); }
-
- private:
-  Pty pty_;
-  Line line_;
-};
-
-void Tell(const std::string& name, const Port& port) {
+void Tell(const Port& port) {
   for (const Module& module : port.Modules()) {
     const Setting& setting = module.InForce();
-    std::printf("%s %s %s address %d %d,%c,8,1 firmware %d\n", name.c_str(), port.Path().c_str(),
+    std::printf("%s %s %s address %d %d,%c,8,1 firmware %d\n", port.Name().c_str(), port.Path().c_str(),
                 std::string(module.GetModel().Data().name).c_str(), setting.address, setting.line.baud,
                 static_cast<char>(setting.line.parity), module.Firmware());
   }
+  std::fflush(stdout);
+}
+
+/// Does what the order says; gives the line that answers it.
+std::string Obey(const Ports& ports, std::string_view line) {
+  const ParsedOrder parsed = ParseOrder(line);
+  Port::Answer answer;
+  answer.error = parsed.error;
+  if (answer.error.empty()) {
+    const auto port = ports.find(parsed.order.port);
+    if (port == ports.end()) {
+      answer.error = "nothing is on com" + std::to_string(parsed.order.port);
+    } else {
+      answer = port->second->Obey(parsed.order);
+    }
+  }
+  if (!answer.error.empty()) return "error: " + answer.error;
+  return "ok " + std::string(line) + (answer.told.empty() ? "" : ' ' + answer.told);
+}
+
+void TakeOrder(const Ports& ports, std::string_view line) {
+  constexpr std::string_view kBlanks = " \t\r";
+  const std::size_t begin = line.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return;
+  std::puts(Obey(ports, line.substr(begin, line.find_last_not_of(kBlanks) + 1 - begin)).c_str());
   std::fflush(stdout);
 }
 
@@ -60,23 +73,19 @@ int Run(const Options& options, const Descriptor& signals) {
 
   bool ended = false;
   const core::DescriptorWatch ending(loop, signals.Number(), [&ended](auto) { ended = true; });
-  std::vector<std::unique_ptr<Port>> ports;
   std::optional<Links> links;
   if (!options.linkDirectory.empty()) links.emplace(options.linkDirectory);
+  Ports ports;
   for (auto& [number, behind] : modules) {
-    const std::string name = "com" + std::to_string(number);
-    ports.push_back(std::make_unique<Port>(loop, std::move(behind)));
-    const Port& port = *ports.back();
-    if (const core::Status opened = ports.back()->Open(); !opened.Ok()) return Complain(opened.Description(), 1);
-    if (links) {
-      if (const core::Status linked = links->Make(name, port.Path()); !linked.Ok()) {
-        return Complain(linked.Description(), 1);
-      }
-    }
-    Tell(name, port);
+    auto port = std::make_unique<Port>(loop, number, std::move(behind), links ? &*links : nullptr);
+    if (const core::Status plugged = port->Plug(); !plugged.Ok()) return Complain(plugged.Description(), 1);
+    Tell(*port);
+    ports.emplace(number, std::move(port));
   }
   std::puts("ready");
   std::fflush(stdout);
+  const platform::TypedInput orders(
+      loop, STDIN_FILENO, Order::kLongestLine, [&ports](std::string_view line) { TakeOrder(ports, line); }, [] {});
   loop.RunUntil([&ended] { return ended; });
   return 0;
 }
@@ -100,6 +109,10 @@ int main(int argc, char** argv) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&ends, signal);
   sigprocmask(SIG_BLOCK, &ends, nullptr);
   std::signal(SIGPIPE, SIG_IGN);
+  // In the background of a terminal a look at what is typed then fails, which ends the orders, and does not stop it.
+  std::signal(SIGTTIN, SIG_IGN);
+  // Without a standard input the first descriptor that is made would pass for it.
+  if (fcntl(STDIN_FILENO, F_GETFD) < 0) open("/dev/null", O_RDONLY);
   const Descriptor signals(signalfd(-1, &ends, SFD_NONBLOCK | SFD_CLOEXEC));
   if (!signals) return Complain("no signals to be had from the system", 1);
   return Run(parsed.options, signals);

@@ -70,16 +70,26 @@ core::Duration Module::ReplyDelay() const {
   return model_->registers.Get(data.flags).Has(data.delayMask) ? kLatency : core::Duration::zero();
 }
 
-std::vector<std::uint8_t> Module::Execute(std::span<const std::uint8_t> request, core::TimePoint now) {
+std::vector<std::uint8_t> Module::Execute(std::span<const std::uint8_t> request, core::TimePoint now, bool failing) {
   Advance(now);
   const bool broadcast = request[0] == 0;
   if (restarting_ || (!broadcast && request[0] != inForce_.address)) return {};
-  Bytes reply = Answer(request);
+  Bytes reply = failing && !broadcast ? Refuse(request, ModbusException::kDevice) : Answer(request);
   if (broadcast) return {};
   const std::size_t length = reply.size();
   reply.resize(length + 2);
   bus::AppendCrc(reply, length);
   return reply;
+}
+
+state::Word Module::Get(state::Register reg, core::TimePoint now) {
+  Advance(now);
+  return model_->Read(reg);
+}
+
+void Module::Set(state::Register reg, state::Word value, core::TimePoint now) {
+  Advance(now);
+  model_->registers.Set(reg, value);
 }
 
 Module::Bytes Module::Answer(std::span<const std::uint8_t> request) {

@@ -27,7 +27,7 @@ struct ModuleOptions {
 };
 
 /// Exception codes of Modbus.
-enum class ModbusException : std::uint8_t { kFunction = 1, kRegister = 2, kValue = 3 };
+enum class ModbusException : std::uint8_t { kFunction = 1, kRegister = 2, kValue = 3, kDevice = 4 };
 
 /// One simulated module: a Modbus slave over the registers of its model. Knows frames and time, no line.
 class Module {
@@ -47,10 +47,17 @@ class Module {
   bool Restarting() const { return restarting_; }
 
   /// Executes a request: a whole frame with a right CRC. Gives the reply, CRC included; empty when the module keeps
-  /// silent, since the request is a broadcast or another's or it is restarting.
-  std::vector<std::uint8_t> Execute(std::span<const std::uint8_t> request, core::TimePoint now);
+  /// silent, since the request is a broadcast or another's or it is restarting. With `failing` it refuses whatever it
+  /// would answer, and does nothing of it.
+  std::vector<std::uint8_t> Execute(std::span<const std::uint8_t> request, core::TimePoint now, bool failing = false);
   /// How much later than usual its replies come.
   core::Duration ReplyDelay() const;
+
+  /// What a master would read in `reg`, which the module has.
+  state::Word Get(state::Register reg, core::TimePoint now);
+  /// The world outside gives `reg`, which the module has, this value: no bounds, and it may be one that no master
+  /// writes.
+  void Set(state::Register reg, state::Word value, core::TimePoint now);
 
  private:
   using Bytes = std::vector<std::uint8_t>;

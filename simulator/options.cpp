@@ -1,41 +1,14 @@
 #include "simulator/options.h"
 
 #include <algorithm>
-#include <charconv>
 #include <limits>
+
+#include "simulator/order.h"
+#include "simulator/text.h"
 
 namespace tarvo::simulator {
 
 namespace {
-
-/// What is wrong; empty when all is well.
-using Complaint = std::string;
-
-std::string Quoted(std::string_view text) {
-  return '\'' + std::string(text) + '\'';
-}
-
-/// The text up to `separator`, which goes from `rest` together with it.
-std::string_view CutAt(std::string_view& rest, char separator) {
-  const std::size_t at = rest.find(separator);
-  const std::string_view head = rest.substr(0, at);
-  rest = at == std::string_view::npos ? std::string_view() : rest.substr(at + 1);
-  return head;
-}
-
-/// A whole number, decimal or after "0x"; nothing for any other text or one out of bounds.
-std::optional<unsigned> Number(std::string_view text, unsigned lowest, unsigned highest) {
-  int base = 10;
-  if (text.starts_with("0x") || text.starts_with("0X")) {
-    base = 16;
-    text.remove_prefix(2);
-  }
-  unsigned value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (error != std::errc() || end != text.data() + text.size() || value < lowest || value > highest)
-    return std::nullopt;
-  return value;
-}
 
 /// "9600n81" as the line that it tells.
 std::optional<bus::LineSettings> ParseLine(std::string_view text) {
@@ -171,14 +144,14 @@ MODULE is a model's name, then its options: NAME[:KEY=VALUE[,KEY=VALUE]...]
   40008=20     what a register holds at the start, decimal or after 0x; a register with a stored copy sets that too.
                Address, speed and parity come from addr and line alone
 Models:)" +
-         models + R"(
-
+         models + "\n\n" + OrderHelp() + R"(
 Writing 1 to a module's reset register restarts it: it keeps silent for 0.3 s, then goes by what its EEPROM holds.
 Ctrl-C or a termination signal ends the simulator; wrong usage ends it with status 2.
 
 Examples:
   tarvo-sim --com1 belk --link /tmp/ports
   tarvo-sim --com1 belk:addr=7,line=38400e81,fw=3,40008=20,40009=0x81 --com2 belk:line=1200n81 --link /tmp/ports
+  echo com1 silence 3 | tarvo-sim --com1 belk
   mbpoll -m rtu -a 1 -b 9600 -P none -t 4 -r 2 -c 9 -1 /tmp/ports/com1
 )";
 }

@@ -37,6 +37,22 @@ Descriptor::~Descriptor() {
 }
 
 core::Status Pty::Open() {
+  core::Status made = Make();
+  if (!made.Ok()) Close();
+  return made;
+}
+
+void Pty::Close() {
+  readWatch_.reset();
+  opensWatch_.reset();
+  master_ = Descriptor();
+  slave_ = Descriptor();
+  opens_ = Descriptor();
+  path_.clear();
+  masters_ = 0;
+}
+
+core::Status Pty::Make() {
   master_ = Descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   std::array<char, 64> name{};
   if (!master_ || grantpt(master_.Number()) != 0 || unlockpt(master_.Number()) != 0 ||
@@ -91,7 +107,10 @@ void Pty::CountMasters() {
     inotify_event event{};
     std::memcpy(&event, buffer.data() + at, sizeof event);
     at += static_cast<ssize_t>(sizeof event + event.len);
-    masters_ = std::max(0, masters_ + ((event.mask & IN_OPEN) != 0 ? 1 : -1));
+    const bool opened = (event.mask & IN_OPEN) != 0;
+    // What came while nobody had the port open is lost.
+    if (opened && masters_ == 0) tcflush(slave_.Number(), TCIFLUSH);
+    masters_ = std::max(0, masters_ + (opened ? 1 : -1));
   }
   if (masters_ > 0) return;
   // A real port forgets at its last close. This one is kept open here, so it would keep for the next master what the

@@ -44,10 +44,12 @@ class Pty {
 
   Pty(core::Scheduler& scheduler, Events events) : scheduler_(scheduler), events_(std::move(events)) {}
 
-  /// Makes the terminal. The fault tells what the system refused.
+  /// Makes the terminal, which must not be there. The fault tells what the system refused.
   core::Status Open();
+  /// Takes the terminal away: whoever has it open is hung up.
+  void Close();
 
-  /// The device that a master opens.
+  /// The device that a master opens; empty when there is none.
   const std::string& Path() const { return path_; }
   /// Speed and parity that the master has set; nothing when the speed is none that a module knows.
   std::optional<bus::LineSettings> MasterLine() const;
@@ -55,6 +57,7 @@ class Pty {
   void Send(std::span<const std::uint8_t> bytes);
 
  private:
+  core::Status Make();
   void Read();
   void CountMasters();
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -11,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+
+#include "support/temporary_folder.h"
 
 namespace tarvo::console {
 namespace {
@@ -20,13 +21,6 @@ using testing::StartsWith;
 
 class ConsoleProgram : public testing::Test {
  protected:
-  ConsoleProgram() {
-    std::string name = (std::filesystem::temp_directory_path() / "tarvo-console-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder = name;
-  }
-  ~ConsoleProgram() override { std::filesystem::remove_all(folder); }
-
   struct Ended {
     int status = -1;
     std::string out;
@@ -35,8 +29,9 @@ class ConsoleProgram : public testing::Test {
 
   /// Runs the program from the shell: `before` and `after` stand around its name. Killed after 20 seconds.
   Ended Run(const std::string& after, const std::string& before = "") const {
-    const std::string command = before + " env XDG_CONFIG_HOME=" + folder.string() + " timeout 20 " TARVO_CONSOLE " " +
-                                after + " >" + (folder / "out").string() + " 2>" + (folder / "errors").string();
+    const std::string command = before + " env XDG_CONFIG_HOME=" + folder.Path().string() +
+                                " timeout 20 " TARVO_CONSOLE " " + after + " >" + (folder / "out").string() + " 2>" +
+                                (folder / "errors").string();
     const int status = std::system(command.c_str());  // NOLINT(cert-env33-c)
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Contents("out"), Contents("errors")};
   }
@@ -51,7 +46,7 @@ class ConsoleProgram : public testing::Test {
     return (folder / name).string();
   }
 
-  std::filesystem::path folder;
+  test::TemporaryFolder folder;
 };
 
 constexpr char kStopped[] = "{\"ok\":true,\"value\":0,\"modal\":null}\n";

@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/virtual_scheduler.h"
-#include "played_module.h"
+#include "simulated_line.h"
 
 namespace tarvo::simulator {
 namespace {
@@ -17,50 +16,6 @@ using test::ReadReply;
 using test::ReadRequest;
 using test::WithCrc;
 using test::WriteRequest;
-
-/// A line with Belks that stand still, in virtual time, and what has come back over it.
-class SimulatedLine : public ::testing::Test {
- protected:
-  void Put(const ModuleOptions& options) { modules_.emplace_back(MakeModel("belk"), options, time.Now()); }
-  void Put(int address, const char* line) {
-    ModuleOptions options = StillWith({});
-    options.setting = {address, LineOf(line)};
-    Put(options);
-  }
-
-  Line& Start() {
-    line_.emplace(time, std::exchange(modules_, {}), [this](std::span<const std::uint8_t> bytes) {
-      if (got.empty()) firstByte = time.Now() - sentAt;
-      got.insert(got.end(), bytes.begin(), bytes.end());
-      lastByte = time.Now() - sentAt;
-      ++chunks;
-    });
-    return *line_;
-  }
-
-  void Arrive(const Bytes& bytes, const char* line = "9600,n,8,1") {
-    sentAt = time.Now();
-    line_->Arrived(bytes, LineOf(line));
-  }
-  /// What comes back within a second.
-  Bytes Exchange(const Bytes& request, const char* line = "9600,n,8,1") {
-    got.clear();
-    Arrive(request, line);
-    time.Run(std::chrono::seconds(1));
-    return got;
-  }
-
-  core::VirtualScheduler time;
-  Bytes got;
-  core::TimePoint sentAt{};
-  core::Duration firstByte{};
-  core::Duration lastByte{};
-  int chunks = 0;
-
- private:
-  std::vector<Module> modules_;
-  std::optional<Line> line_;
-};
 
 TEST_F(SimulatedLine, AnswersARequestThatArrivesAtOnce) {
   Put(1, "9600,n,8,1");

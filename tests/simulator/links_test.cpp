@@ -46,6 +46,19 @@ TEST(SimulatorLinks, LeaveALinkThatAnotherHasTakenOver) {
   EXPECT_EQ(fs::read_symlink(directory.Path() / "com1"), "/dev/pts/78");
 }
 
+TEST(SimulatorLinks, GoOneByOneWhenTold) {
+  const test::TemporaryFolder directory;
+  Links links(directory.Path());
+  ASSERT_TRUE(links.Make("com1", "/dev/pts/77").Ok());
+  ASSERT_TRUE(links.Make("com2", "/dev/pts/78").Ok());
+  links.Remove("com1");
+  links.Remove("com3");
+  EXPECT_FALSE(fs::is_symlink(directory.Path() / "com1"));
+  EXPECT_EQ(fs::read_symlink(directory.Path() / "com2"), "/dev/pts/78");
+  ASSERT_TRUE(links.Make("com1", "/dev/pts/79").Ok());
+  EXPECT_EQ(fs::read_symlink(directory.Path() / "com1"), "/dev/pts/79");
+}
+
 TEST(SimulatorLinks, ReplaceNothingThatIsNoLink) {
   const test::TemporaryFolder directory;
   const fs::path file = directory.Path() / "com1";

@@ -1,22 +1,18 @@
 // The program itself, and another's Modbus master, mbpoll, at its ports.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <map>
-#include <sstream>
+#include <memory>
 #include <thread>
 
+#include "support/child_process.h"
+#include "support/mbpoll.h"
+#include "support/simulator_process.h"
 #include "support/temporary_folder.h"
 
 namespace tarvo::simulator {
@@ -26,117 +22,20 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
-/// A program that runs beside the test; killed at the end when it still does.
-class Program {
- public:
-  explicit Program(const std::vector<std::string>& command) {
-    std::array<int, 2> out{};
-    std::array<int, 2> error{};
-    if (pipe2(out.data(), O_CLOEXEC) != 0 || pipe2(error.data(), O_CLOEXEC) != 0) return;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, error[1], 2);
-    std::vector<char*> arguments;
-    for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    if (posix_spawnp(&process_, arguments[0], &actions, nullptr, arguments.data(), environ) != 0) process_ = -1;
-    posix_spawn_file_actions_destroy(&actions);
-    close(out[1]);
-    close(error[1]);
-    out_ = out[0];
-    error_ = error[0];
-  }
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-  ~Program() {
-    if (process_ > 0) kill(process_, SIGKILL);
-    Wait();
-    close(out_);
-    close(error_);
-  }
-
-  bool Started() const { return process_ > 0; }
-  void Signal(int signal) const { kill(process_, signal); }
-
-  /// Its standard output up to and with `end`, or as much as there is in five seconds.
-  std::string ReadUntil(const std::string& end) { return Read(out_, end); }
-  /// All of its standard output or error, until it closes them.
-  std::string Output() { return Read(out_, {}); }
-  std::string Errors() { return Read(error_, {}); }
-
-  /// Its exit status; -1 when a signal ended it.
-  int Wait() {
-    if (process_ <= 0) return status_;
-    int status = 0;
-    waitpid(process_, &status, 0);
-    process_ = -1;
-    status_ = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return status_;
-  }
-
- private:
-  static std::string Read(int from, const std::string& end) {
-    std::string text;
-    std::array<char, 4096> buffer{};
-    while (end.empty() || text.find(end) == std::string::npos) {
-      pollfd readable{from, POLLIN, 0};
-      if (poll(&readable, 1, 5000) <= 0) break;
-      const ssize_t count = read(from, buffer.data(), buffer.size());
-      if (count <= 0) break;
-      text.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return text;
-  }
-
-  pid_t process_ = -1;
-  int status_ = -1;
-  int out_ = -1;
-  int error_ = -1;
-};
-
 class SimulatorProgram : public ::testing::Test {
  protected:
   /// Starts the simulator with its links in the test's directory and waits until it is ready.
-  void Start(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), TARVO_SIM);
-    arguments.insert(arguments.end(), {"--link", directory.Path().string()});
-    simulator = std::make_unique<Program>(arguments);
-    ASSERT_TRUE(simulator->Started());
-    told = simulator->ReadUntil("ready\n");
-    ASSERT_THAT(told, HasSubstr("ready\n"));
+  void Start(const std::vector<std::string>& arguments) {
+    simulator = std::make_unique<test::SimulatorProcess>(arguments, directory.Path());
   }
 
-  struct Polled {
-    int status = -1;
-    std::map<int, int> registers;  // by mbpoll's reference, 1 for 40001
-    std::string errors;
-  };
-
-  /// Runs mbpoll once on com1, with what `options` say and, when there are any, values to write.
-  Polled Poll(const std::string& options, const std::vector<int>& values = {}) {
-    std::vector<std::string> command = {"mbpoll", "-m", "rtu", "-t", "4", "-1", "-o", "0.3"};
-    std::istringstream words(options);
-    for (std::string word; words >> word;) command.push_back(word);
-    command.push_back((directory.Path() / "com1").string());
-    for (const int value : values) command.push_back(std::to_string(value));
-    Program mbpoll(command);
-    EXPECT_TRUE(mbpoll.Started()) << "mbpoll is not installed";
-    Polled polled;
-    std::istringstream lines(mbpoll.Output());
-    for (std::string line; std::getline(lines, line);) {
-      int reference = 0;
-      int value = 0;
-      if (std::sscanf(line.c_str(), "[%d]: %d", &reference, &value) == 2) polled.registers[reference] = value;
-    }
-    polled.errors = mbpoll.Errors();
-    polled.status = mbpoll.Wait();
-    return polled;
+  /// Runs mbpoll once on com1.
+  test::Polled Poll(const std::string& options, const std::vector<int>& values = {}) const {
+    return test::RunMbpoll(directory / "com1", options, values);
   }
 
   test::TemporaryFolder directory;
-  std::unique_ptr<Program> simulator;
-  std::string told;
+  std::unique_ptr<test::SimulatorProcess> simulator;
 };
 
 const char* const kUsual = "-a 1 -b 9600 -P none";
@@ -147,26 +46,25 @@ std::string Usual(const std::string& more) {
 
 TEST_F(SimulatorProgram, TellsItsPortsAndThatItIsReady) {
   Start({"--com1", "belk:addr=1,line=38400n81,fw=3", "--com3", "belk:addr=7,line=9600e81,fw=1"});
-  EXPECT_THAT(told, MatchesRegex("com1 /dev/pts/[0-9]+ belk address 1 38400,n,8,1 firmware 3\n"
-                                 "com3 /dev/pts/[0-9]+ belk address 7 9600,e,8,1 firmware 1\nready\n"));
+  EXPECT_THAT(simulator->Told(), MatchesRegex("com1 /dev/pts/[0-9]+ belk address 1 38400,n,8,1 firmware 3\n"
+                                              "com3 /dev/pts/[0-9]+ belk address 7 9600,e,8,1 firmware 1\nready\n"));
   const std::string target = fs::read_symlink(directory.Path() / "com1").string();
-  EXPECT_THAT(told, HasSubstr("com1 " + target + " "));
+  EXPECT_THAT(simulator->Told(), HasSubstr("com1 " + target + " "));
 }
 
 TEST_F(SimulatorProgram, TakesItsLinksAwayWhenASignalEndsIt) {
   for (const int signal : {SIGINT, SIGTERM}) {
     Start({"--com1", "belk", "--com2", "belk"});
     EXPECT_TRUE(fs::is_symlink(directory.Path() / "com2"));
-    simulator->Signal(signal);
-    EXPECT_EQ(simulator->Wait(), 0);
+    simulator->Process().Signal(signal);
+    EXPECT_EQ(simulator->Process().WaitWithin(), 0);
     EXPECT_TRUE(fs::is_empty(directory.Path()));
   }
 }
 
 TEST_F(SimulatorProgram, ReplacesTheLinksOfOneThatWasKilled) {
   Start({"--com1", "belk"});
-  simulator->Signal(SIGKILL);
-  simulator->Wait();
+  simulator->Kill();
   EXPECT_TRUE(fs::is_symlink(directory.Path() / "com1"));
   Start({"--com1", "belk", "--still"});
   EXPECT_EQ(Poll(Usual("-r 1")).registers[1], 0x0103);
@@ -174,28 +72,28 @@ TEST_F(SimulatorProgram, ReplacesTheLinksOfOneThatWasKilled) {
 
 TEST_F(SimulatorProgram, TellsWrongUsageInOneLineAndEndsWith2) {
   for (const std::string module : {"", "bolk", "belk:addr=300"}) {
-    Program program({TARVO_SIM, "--com1", module});
+    test::ChildProcess program({TARVO_SIM, "--com1", module});
     EXPECT_EQ(program.Output(), "");
     EXPECT_THAT(program.Errors(), MatchesRegex("tarvo-sim: [^\n]+ \\(see tarvo-sim --help\\)\n"));
-    EXPECT_EQ(program.Wait(), 2);
+    EXPECT_EQ(program.WaitWithin(), 2);
   }
 }
 
 TEST_F(SimulatorProgram, TellsWhenItsLinksCannotBeMade) {
-  Program program({TARVO_SIM, "--com1", "belk", "--link", "/dev/null/ports"});
+  test::ChildProcess program({TARVO_SIM, "--com1", "belk", "--link", "/dev/null/ports"});
   EXPECT_THAT(program.Errors(), MatchesRegex("tarvo-sim: /dev/null/ports: [^\n]+\n"));
-  EXPECT_EQ(program.Wait(), 1);
+  EXPECT_EQ(program.WaitWithin(), 1);
 }
 
 TEST_F(SimulatorProgram, PrintsItsHelp) {
-  Program program({TARVO_SIM, "--help"});
+  test::ChildProcess program({TARVO_SIM, "--help"});
   EXPECT_THAT(program.Output(), HasSubstr("Usage: tarvo-sim"));
-  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_EQ(program.WaitWithin(), 0);
 }
 
 TEST_F(SimulatorProgram, IsReadByMbpoll) {
   Start({"--com1", "belk:40002=0x0105,40003=1,40004=2,40005=3,40006=4,40007=65535,40008=20,40009=0x81", "--still"});
-  const Polled polled = Poll(Usual("-r 2 -c 9"));
+  const test::Polled polled = Poll(Usual("-r 2 -c 9"));
   EXPECT_EQ(polled.status, 0) << polled.errors;
   // The inputs are shown negated.
   EXPECT_EQ(

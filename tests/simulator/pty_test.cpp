@@ -207,12 +207,22 @@ TEST_F(SimulatedPort, GivesTheNextMasterNothingThatWasMeantForTheLast) {
   EXPECT_TRUE(Receive(next, 1, milliseconds(50)).empty());
 }
 
+TEST_F(SimulatedPort, GivesTheNextMasterNothingThatCameWhileNobodyListened) {
+  pty.Send(Bytes(10, 0x55));
+  Run(milliseconds(2));
+  Client next(pty.Path());
+  Run(milliseconds(2));
+  EXPECT_TRUE(next.Take().empty());
+}
+
 TEST_F(SimulatedPort, KeepsTheRepliesOfAMasterThatIsStillThere) {
   Client client(pty.Path());
   client.Set(B9600, bus::Parity::kNone);
   Run(milliseconds(5));
   client.Write(ReadRequest(1, 40001, 1));
-  { const Client other(pty.Path()); }
+  {
+    const Client other(pty.Path());
+  }
   EXPECT_EQ(Receive(client, 7, std::chrono::seconds(5)), ReadReply(1, {0x0103}));
   EXPECT_EQ(left, 0);
 }

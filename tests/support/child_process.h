@@ -10,9 +10,11 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -68,8 +70,22 @@ class ChildProcess {
     CloseAll();
   }
 
+  /// The system's number for it; -1 once it has ended.
+  pid_t Id() const { return process_; }
+
   void Signal(int signal) const {
     if (process_ > 0) kill(process_, signal);
+  }
+
+  /// True while it has that file or device open.
+  bool HasOpen(const std::filesystem::path& file) const {
+    std::error_code fault;
+    const std::filesystem::path whole = std::filesystem::canonical(file, fault);
+    const std::filesystem::path descriptors = "/proc/" + std::to_string(process_) + "/fd";
+    for (const auto& descriptor : std::filesystem::directory_iterator(descriptors, fault)) {
+      if (std::filesystem::read_symlink(descriptor, fault) == whole) return true;
+    }
+    return false;
   }
 
   /// Hands `text` to its standard input; false when it takes no more.

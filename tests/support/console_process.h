@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,7 +53,14 @@ class ConsoleProcess {
 
   /// The reply to a command that may well fail.
   ConsoleReply Try(const std::string& command) {
+    Send(command);
+    return Receive(command);
+  }
+  /// The two halves of it, for what a test does meanwhile.
+  void Send(const std::string& command) {
     EXPECT_TRUE(process_.Write(command + '\n')) << command << ": the console takes no more";
+  }
+  ConsoleReply Receive(const std::string& command) {
     std::string line = process_.ReadUntil("\n");
     EXPECT_TRUE(line.ends_with('\n')) << command << ": no reply";
     if (line.ends_with('\n')) line.pop_back();

@@ -9,6 +9,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -42,17 +43,22 @@ struct ModuleFault {
   /// For the log: "" for none, else ": silent" and the like.
   std::string Text() const {
     std::string text;
-    if (unheard) text += ", unheard";
-    if (silent) text += ", silent";
-    if (wrongCrc) text += ", wrong CRC";
+    const auto add = [&text](std::string_view what) {
+      text += text.empty() ? ": " : ", ";
+      text += what;
+    };
+    if (unheard) add("unheard");
+    if (silent) add("silent");
+    if (wrongCrc) add("wrong CRC");
     if (late > core::Duration::zero()) {
-      text += ", late " + std::to_string(std::chrono::duration_cast<core::milliseconds>(late).count()) + " ms";
+      const auto by = std::chrono::duration_cast<core::milliseconds>(late);
+      add("late " + std::to_string(by.count()) + " ms");
     }
-    if (cutTo >= 0) text += ", torn";
-    if (address != 0) text += ", foreign";
-    if (exceptionCode != 0) text += ", exception " + std::to_string(exceptionCode);
-    if (!noise.empty()) text += ", noise";
-    return text.empty() ? text : ":" + text.substr(1);
+    if (cutTo >= 0) add("torn");
+    if (address != 0) add("foreign");
+    if (exceptionCode != 0) add("exception " + std::to_string(exceptionCode));
+    if (!noise.empty()) add("noise");
+    return text;
   }
 };
 

@@ -33,9 +33,11 @@ class PseudoTerminal {
   const std::string& Name() const { return name_; }
 
   void Send(std::string_view bytes) const {
-    if (write(master_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
-      throw std::runtime_error("the pseudo terminal takes no bytes");
-    }
+    if (!TrySend(bytes)) throw std::runtime_error("the pseudo terminal takes no bytes");
+  }
+  /// False when not all of `bytes` went out, since nobody reads at the other end.
+  bool TrySend(std::string_view bytes) const {
+    return write(master_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
   }
 
   /// What has come, at least `count` bytes; fewer when nothing more comes within `milliseconds`.

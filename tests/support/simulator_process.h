@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -23,6 +24,17 @@ class SimulatorProcess {
   /// What it said up to "ready".
   const std::string& Told() const { return told_; }
   ChildProcess& Process() { return process_; }
+
+  /// Hands it an order, or several that it takes in one go, a line each; gives its answers.
+  std::string Order(const std::string& lines) {
+    process_.Write(lines + '\n');
+    std::string answers;
+    for (auto left = 1 + std::count(lines.begin(), lines.end(), '\n'); left > 0; --left) {
+      answers += process_.ReadUntil("\n");
+    }
+    if (answers.ends_with('\n')) answers.pop_back();
+    return answers;
+  }
 
   /// It vanishes without a word, and its links stay.
   void Kill() {

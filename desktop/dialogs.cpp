@@ -141,11 +141,8 @@ QDialog* MakeWindowDialog(view::Screen& screen, Faces& faces, const view::Modal&
   const auto field = std::find_if(controls.begin(), controls.end(), [](const view::Control* control) {
     return control->GetKind() == view::Kind::kTextBox && control->Enabled() && control->Visible();
   });
-  if (field != controls.end()) {
-    auto* edit = static_cast<QLineEdit*>(faces.Find(**field));
-    edit->setFocus();
-    edit->selectAll();
-  }
+  // Its text is selected since it was put there.
+  if (field != controls.end()) faces.Find(**field)->setFocus();
   return dialog;
 }
 

@@ -15,11 +15,11 @@ namespace tarvo::desktop {
 
 /// The desktop front of a screen: its main window, its modal things, its pointer and its beep. Shows the main window as
 /// soon as there is one.
-class Front : public view::Watcher {
+class Front final : public view::Watcher {
  public:
   /// `ended` tells whether the program has ended, so that the window may close.
   Front(view::Screen& screen, std::function<bool()> ended);
-  virtual ~Front();
+  ~Front();
 
   /// Null while the screen has no main window.
   MainWindow* Window() const { return window_.get(); }
@@ -31,7 +31,7 @@ class Front : public view::Watcher {
 
  private:
   struct Standing {
-    int id;
+    int id = 0;
     QPointer<QDialog> dialog;
   };
 

@@ -59,7 +59,8 @@ MarkTones TonesOf(const QStyleOption& option) {
 
 QRectF MarkPlace(const QStyleOption& option) {
   const int side = std::min(option.rect.width(), option.rect.height());
-  return {option.rect.x() + 0.5, option.rect.y() + (option.rect.height() - side) / 2 + 0.5, side - 1.0, side - 1.0};
+  const int above = (option.rect.height() - side) / 2;
+  return {option.rect.x() + 0.5, option.rect.y() + above + 0.5, side - 1.0, side - 1.0};
 }
 
 void PaintCheckBox(const QStyleOption& option, QPainter& painter) {

@@ -96,15 +96,17 @@ void PageList::LabelsChanged() {
 }
 
 bool PageList::eventFilter(QObject* watched, QEvent* event) {
-  const auto* label = static_cast<const PageLabel*>(watched);
+  // The scroll area watches its own parts with this filter too.
+  const auto label = std::find(labels_.begin(), labels_.end(), watched);
+  if (label == labels_.end()) return QScrollArea::eventFilter(watched, event);
   if (event->type() == QEvent::KeyPress) {
     const int key = static_cast<QKeyEvent*>(event)->key();
     if (key == Qt::Key_Down || key == Qt::Key_Up) {
-      Move(label, key == Qt::Key_Down ? 1 : -1);
+      Move(*label, key == Qt::Key_Down ? 1 : -1);
       return true;
     }
   }
-  if (event->type() == QEvent::FocusIn) ensureWidgetVisible(static_cast<QWidget*>(watched), 0, 0);
+  if (event->type() == QEvent::FocusIn) ensureWidgetVisible(*label, 0, 0);
   if (event->type() == QEvent::FocusOut) LabelsChanged();
   return QScrollArea::eventFilter(watched, event);
 }

@@ -8,7 +8,6 @@
 namespace tarvo::models {
 
 using pages::BitChange;
-using state::Register;
 using state::Word;
 using namespace state::literals;
 

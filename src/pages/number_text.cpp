@@ -1,5 +1,6 @@
 #include "pages/number_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -72,8 +73,7 @@ std::int32_t ToInteger(std::string_view text) {
   constexpr std::int64_t kBeyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 2;
   std::int64_t magnitude = 0;
   for (const char digit : decimal->whole) {
-    magnitude = magnitude * 10 + (digit - '0');
-    if (magnitude > kBeyond) magnitude = kBeyond;
+    magnitude = std::min(magnitude * 10 + (digit - '0'), kBeyond);
   }
   if (RoundsUp(decimal->fraction, magnitude % 2 != 0)) ++magnitude;
   const std::int64_t value = decimal->negative ? -magnitude : magnitude;

@@ -86,6 +86,7 @@ void MainWindow::Unload() {
 
 view::Node MainWindow::Arrangement() const {
   std::vector<view::Node> labels;
+  labels.reserve(entries_.size());
   for (const Entry& entry : entries_) labels.push_back(view::Show(entry.label));
   return view::Column({
       view::Row({view::PageList(std::move(labels)), view::PagePlace()}),

@@ -140,12 +140,19 @@ TEST(Colours, TheSystemsNumbersHaveTheirRoles) {
   EXPECT_EQ(desktop::RoleOf(static_cast<view::Colour>(0x8000000F)), Role::kDark);
 }
 
-TEST(Tabular, EveryDigitTakesTheSameRoom) {
-  // A font whose "1" is narrower than its "8".
-  QFont font("DejaVu Serif");
-  font.setPointSize(40);
-  const QFontMetrics metrics(font);
-  EXPECT_EQ(desktop::TabularWidth(metrics, "11111"), desktop::TabularWidth(metrics, "88888"));
+TEST(Tabular, NumbersEndAtTheSameColumn) {
+  LookBench bench;
+  bench.page.Tot[0].Caption = "7";
+  bench.page.Tot[1].Caption = "18887";
+  bench.page.Tot[2].Caption = "18880";
+  bench.Settle();
+  const auto lastDigit = [&](const char* name) {
+    QWidget* value = bench.Find(name);
+    const int room = value->fontMetrics().horizontalAdvance('8') + value->fontMetrics().height() / 2;
+    return value->grab(QRect(value->width() - room, 0, room, value->height())).toImage();
+  };
+  EXPECT_EQ(lastDigit("Tot(0)"), lastDigit("Tot(1)"));
+  EXPECT_NE(lastDigit("Tot(1)"), lastDigit("Tot(2)"));
 }
 
 TEST(Tabular, NumbersAreToldFromTexts) {

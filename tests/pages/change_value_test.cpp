@@ -37,6 +37,19 @@ TEST_F(ChangeValue, ForgetsAtEachOpeningThatItWasAccepted) {
   EXPECT_EQ(State().ChangeValueOk, state::kFalse);
 }
 
+TEST_F(ChangeValue, IsLoadedAnewAtEachOpening) {
+  Open();
+  EXPECT_EQ(Text("Text1"), "");
+  AnswerChangeValue("7");
+  Open();
+  EXPECT_EQ(Text("Text1"), "");
+  Type("Text1", "8");
+  Click("ChangeValue.Cancel");
+  Click("FilterBelk");
+  EXPECT_EQ(Text("Text1"), "");
+  EXPECT_EQ(Text("MaxValue"), "Max Value :254");
+}
+
 TEST_F(ChangeValue, GivesTheTextThatWasAccepted) {
   Open();
   AnswerChangeValue("17");

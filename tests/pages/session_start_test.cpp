@@ -224,6 +224,15 @@ TEST_F(SessionStartRefused, ByAModuleOfAnotherModel) {
   ExpectStartWorks();
 }
 
+TEST_F(SessionStartRefused, DisablesEveryTimerThatWasLeftOn) {
+  module[kIdentity] = 0x0203;
+  for (const char* timer : {"TimerGestioneLetture", "TimerLetturaSeriale", "TimerIngranaggi"}) {
+    dynamic_cast<view::Timer&>(At(timer)).Enabled = true;
+  }
+  Click("StartBelk");
+  ExpectTakenDown();
+}
+
 TEST_F(SessionStartRefused, ByAnIdentityWithTheTopBitSet) {
   module[kIdentity] = 0x8103;
   Click("StartBelk");

@@ -31,6 +31,13 @@ TEST_F(SessionStop, TakesDownAllThatStartHasSetUp) {
   EXPECT_FALSE(Playing("MediaPlayer1"));
 }
 
+TEST_F(SessionStop, DisablesTheGearsTimerWhoeverEnabledIt) {
+  StartSession();
+  dynamic_cast<view::Timer&>(At("TimerIngranaggi")).Enabled = true;
+  Click("StopBelk");
+  EXPECT_FALSE(Enabled("TimerIngranaggi"));
+}
+
 TEST_F(SessionStop, EndsThePolling) {
   StartSession();
   Click("StopBelk");

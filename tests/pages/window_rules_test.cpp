@@ -219,6 +219,12 @@ TEST_F(WindowRules, ThePageListReactsOutOfASession) {
   EXPECT_EQ(Page().Name(), "Belk");
 }
 
+TEST_F(WindowRules, AClickInThePageListSelectsTheFamilyOfItsLabel) {
+  State().FamilyShown = state::kFalse;
+  Click("MDIForm1.labBelk");
+  EXPECT_EQ(State().FamilyShown, state::kTrue);
+}
+
 TEST_F(WindowRules, ThePageListBringsAClosedPageBack) {
   ClosePage();
   Click("MDIForm1.labBelk");

@@ -164,7 +164,12 @@ Request Console::ParseLine(std::string_view line) const {
 }
 
 void Console::WaitForStart() {
-  bench_.runUntil([&] { return !bench_.starting() || bench_.ended(); });
+  bench_.runUntil([&] {
+    // A box of the start-up is the user's to answer.
+    const view::Modal* front = bench_.screen.Front();
+    const bool asked = front != nullptr && front->AsMessageBox() != nullptr;
+    return asked || !bench_.starting() || bench_.ended();
+  });
 }
 
 Reply Console::Do(const Request& request) {

@@ -16,8 +16,10 @@
 #include "console/console.h"
 #include "console/options.h"
 #include "platform/com_ports.h"
+#include "platform/help_viewer.h"
 #include "platform/poll_loop.h"
 #include "platform/settings_file.h"
+#include "platform/system_files.h"
 #include "platform/typed_input.h"
 #include "shell/program.h"
 
@@ -70,7 +72,10 @@ int Main(std::span<const char* const> arguments) {
     std::cerr << "tarvo-console: " << loaded.Description() << "\n";
   }
   platform::ComPorts ports(loop, options.devices, settings);
-  shell::Program program({loop, ports, ProgramFolder()});
+  const std::string programFolder = ProgramFolder();
+  platform::DesktopHelp help(loop, platform::DesktopHelp::ManualOf(programFolder));
+  platform::SystemFiles files;
+  shell::Program program({loop, ports, settings, help, files, programFolder});
   program.Start();
 
   Bench bench{program.GetScreen(),

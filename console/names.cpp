@@ -48,10 +48,21 @@ constexpr SharedName kSharedNames[] = {
     {"EscPressed", 0, Alone<&SharedState::EscPressed>},
     {"GearStep", 0, Alone<&SharedState::GearStep>},
     {"FamilyShown", 0, Alone<&SharedState::FamilyShown>},
+    {"AutoScan", 0, Alone<&SharedState::AutoScan>},
+    {"SearchRunning", 0, Alone<&SharedState::SearchRunning>},
+    {"pageReadDone", 0, Alone<&SharedState::pageReadDone>},
+    {"pageEntered", 0, Alone<&SharedState::pageEntered>},
+    {"FileFields", std::tuple_size_v<decltype(SharedState::FileFields)>,
+     [](const SharedState& state, std::size_t member) { return PropertyValue(state.FileFields[member]); }},
+    {"FullScaleTC", std::tuple_size_v<decltype(SharedState::FullScaleTC)>,
+     [](const SharedState& state, std::size_t member) {
+       return PropertyValue(std::int64_t{state.FullScaleTC[member]});
+     }},
     {"ChangeValueMin", 0, Alone<&SharedState::ChangeValueMin>},
     {"ChangeValueMax", 0, Alone<&SharedState::ChangeValueMax>},
     {"ChangeValueResult", 0, Alone<&SharedState::ChangeValueResult>},
     {"ChangeValueOk", 0, Alone<&SharedState::ChangeValueOk>},
+    {"NewValueText", 0, Alone<&SharedState::NewValueText>},
 };
 
 struct ArrayName {
@@ -147,6 +158,12 @@ std::optional<PropertyValue> Names::ReadShared(std::string_view name) const {
       return shared.read(state_, array->member);
     if (shared.name != name) continue;
     if (shared.members == 0) return shared.read(state_, 0);
+    if (std::holds_alternative<std::string>(shared.read(state_, 0))) {
+      std::vector<std::string> texts;
+      texts.reserve(shared.members);
+      for (std::size_t i = 0; i < shared.members; ++i) texts.push_back(std::get<std::string>(shared.read(state_, i)));
+      return texts;
+    }
     std::vector<int> members;
     members.reserve(shared.members);
     for (std::size_t i = 0; i < shared.members; ++i) {

@@ -12,9 +12,9 @@ using view::Control;
 using view::Node;
 
 const Glyphs kUnicodeGlyphs = {U'─', U'│', U'┌', U'┐', U'└', U'┘', U'┬', U'┴', U'├', U'┤', U'╭', U'╮',
-                               U'╰', U'╯', U'●', U'○', U'•', U'█', U'░', U'▾', U'▸', U'·', false};
+                               U'╰', U'╯', U'●', U'○', U'•', U'█', U'░', U'▾', U'▸', U'·', U'⚙', false};
 const Glyphs kAsciiGlyphs = {U'-', U'|', U'+', U'+', U'+', U'+', U'+', U'+', U'+', U'+', U'+', U'+',
-                             U'+', U'+', U'*', U'o', U'*', U'#', U'.', U'v', U'>', U'.', true};
+                             U'+', U'+', U'*', U'o', U'*', U'#', U'.', U'v', U'>', U'.', U'*', true};
 
 namespace {
 
@@ -435,7 +435,8 @@ std::u32string Painter::PaintControl(const Control& control, int width) const {
     }
     case view::Kind::kImageBox: {
       const auto& image = static_cast<const view::ImageBox&>(control);
-      const std::u32string mark = Mark(image.Picture() == 2);
+      const bool isInput = image.GetAlbum() == view::ImageBox::Album::kInput;
+      const std::u32string mark = isInput ? Mark(image.Picture() == 2) : std::u32string(1, glyphs_.gear);
       return image.TakesClick() ? Bracketed(control, U'[', mark, U']') : mark;
     }
     case view::Kind::kLamp: {

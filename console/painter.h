@@ -19,6 +19,7 @@ struct Glyphs {
   char32_t cardTopLeft, cardTopRight, cardBottomLeft, cardBottomRight;
   char32_t lit, dark, chosen, full, empty, list, selected;
   char32_t dim;  ///< on both sides of what is disabled
+  char32_t gear;
   bool ascii;
 };
 extern const Glyphs kUnicodeGlyphs;

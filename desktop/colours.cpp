@@ -44,6 +44,8 @@ Role RoleOf(view::Colour colour) {
       return Role::kGood;
     case view::kBarBlue:
       return Role::kBar;
+    case view::kHighlight:
+      return Role::kSelected;
     default:
       // The dark red of a lamp that is off, button-face grey, and any number that stands for no role.
       return Role::kDark;
@@ -58,9 +60,11 @@ QColor ToneOf(Role role, const QPalette& palette) {
     case Role::kFault:
       return dark ? QColor(0xf2, 0x6b, 0x66) : QColor(0xd3, 0x2f, 0x2f);
     case Role::kCaution:
-      return dark ? QColor(0xf0, 0xb4, 0x3c) : QColor(0xd9, 0x8a, 0x00);
+      return dark ? QColor(0xf0, 0xb4, 0x3c) : QColor(0xc6, 0x80, 0x00);
     case Role::kBar:
       return dark ? QColor(0x7a, 0xa2, 0xf7) : QColor(0x4f, 0x7f, 0xe0);
+    case Role::kSelected:
+      return palette.color(QPalette::Highlight);
     case Role::kDark:
       break;
   }
@@ -87,6 +91,8 @@ QColor LineTone(const QPalette& palette) {
 }
 
 QColor QuietText(const QPalette& palette) {
+  // A disabled text stands back as it is.
+  if (palette.currentColorGroup() == QPalette::Disabled) return palette.color(QPalette::WindowText);
   return Mix(palette.color(QPalette::Window), palette.color(QPalette::WindowText), 0.65);
 }
 

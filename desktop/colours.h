@@ -9,11 +9,12 @@ namespace tarvo::desktop {
 
 /// What a colour is for. Colour is scarce: everything else is a shade of the palette's ground and text.
 enum class Role {
-  kDark,     ///< a mark that is not lit
-  kGood,     ///< an active input or output, "OK"
-  kFault,    ///< a red lamp, a negative value
-  kCaution,  ///< a line that fails
-  kBar,      ///< a meter's filled shape
+  kDark,      ///< a mark that is not lit
+  kGood,      ///< an active input or output, "OK"
+  kFault,     ///< a red lamp, a negative value
+  kCaution,   ///< a line that fails
+  kBar,       ///< a meter's filled shape
+  kSelected,  ///< the page that is shown
 };
 
 /// What the system's colour numbers stand for.

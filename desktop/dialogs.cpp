@@ -2,10 +2,14 @@
 
 #include <QCloseEvent>
 #include <QDialog>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMessageBox>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -85,7 +89,7 @@ QDialog* MakeMessageBox(view::Screen& screen, const view::Modal& modal, const vi
   auto* buttons = new QHBoxLayout;
   buttons->setSpacing(Em(*dialog, 0.5));
   buttons->addStretch(1);
-  bool first = true;
+  std::size_t place = 0;
   for (const std::string& caption : box.buttons) {
     const auto answer = [&screen, caption, id = modal.Id()] {
       if (InFront(screen, id)) screen.Answer(caption);
@@ -95,27 +99,53 @@ QDialog* MakeMessageBox(view::Screen& screen, const view::Modal& modal, const vi
     button->setText(ToQt(caption));
     QObject::connect(button, &QPushButton::clicked, button, answer);
     buttons->addWidget(button);
-    if (first) button->setFocus();
-    first = false;
+    if (place++ == box.defaultButton) button->setFocus();
   }
   layout->addLayout(buttons);
   dialog->setAccessibleDescription(ToQt(box.text));
   return dialog;
 }
 
+/// Why nothing can be saved under `path`; empty when it can.
+QString WhyNoSave(const QString& path) {
+  const QFileInfo file(path);
+  if (!file.dir().exists()) return QStringLiteral("There is no folder %1.").arg(file.path());
+  const bool closed = file.exists() ? !file.isWritable() : !QFileInfo(file.path()).isWritable();
+  return closed ? QStringLiteral("%1 may not be written.").arg(path) : QString();
+}
+
 QDialog* MakeFileDialog(view::Screen& screen, const view::Modal& modal, const view::FileDialog& file, QWidget* parent) {
   auto* dialog = new QFileDialog(parent);
   dialog->setObjectName(file.save ? QStringLiteral("SaveFile") : QStringLiteral("OpenFile"));
-  dialog->setOption(QFileDialog::DontUseNativeDialog);
+  // The desktop's own, where there is a desktop.
+  dialog->setOption(QFileDialog::DontUseNativeDialog, QGuiApplication::platformName() == QLatin1String("offscreen"));
   dialog->setAcceptMode(file.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog->setFileMode(file.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog->setNameFilter(NameFilters(file.filter));
+  if (file.save) dialog->setDefaultSuffix(QStringLiteral("txt"));
   const auto answer = [&screen, id = modal.Id()](const QString& path) {
     if (InFront(screen, id)) screen.Answer(path.toStdString());
   };
-  QObject::connect(dialog, &QFileDialog::fileSelected, dialog, answer);
+  QObject::connect(dialog, &QFileDialog::fileSelected, dialog, [dialog, answer, save = file.save](const QString& path) {
+    const QString why = save ? WhyNoSave(path) : QString();
+    if (why.isEmpty()) return answer(path);
+    // An error later would shut the files of this run.
+    auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Tarvo"), why, QMessageBox::Ok, dialog);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(box, &QMessageBox::finished, dialog, &QDialog::show);
+    box->open();
+  });
   QObject::connect(dialog, &QFileDialog::rejected, dialog, [answer] { answer(QStringLiteral("Cancel")); });
   return dialog;
+}
+
+/// The first control of that kind that can be used; null when there is none.
+QWidget* FirstOf(view::Kind kind, const view::Node& arrangement, const Faces& faces) {
+  const std::vector<view::Control*> controls = view::ReadingOrder(arrangement);
+  const auto found = std::find_if(controls.begin(), controls.end(), [&](const view::Control* control) {
+    return control->GetKind() == kind && control->Enabled() && control->Visible();
+  });
+  return found == controls.end() ? nullptr : faces.Find(**found);
 }
 
 QDialog* MakeWindowDialog(view::Screen& screen, Faces& faces, const view::Modal& modal, view::Window& window,
@@ -137,12 +167,10 @@ QDialog* MakeWindowDialog(view::Screen& screen, Faces& faces, const view::Modal&
 
   // A click on a button leaves the focus in the field: what the button refuses is typed anew at once.
   for (PushButton* button : dialog->findChildren<PushButton*>()) button->setFocusPolicy(Qt::TabFocus);
-  const std::vector<view::Control*> controls = view::ReadingOrder(arrangement);
-  const auto field = std::find_if(controls.begin(), controls.end(), [](const view::Control* control) {
-    return control->GetKind() == view::Kind::kTextBox && control->Enabled() && control->Visible();
-  });
-  // Its text is selected since it was put there.
-  if (field != controls.end()) faces.Find(**field)->setFocus();
+  // The text of a field is selected since it was put there.
+  for (const view::Kind kind : {view::Kind::kButton, view::Kind::kTextBox}) {
+    if (QWidget* first = FirstOf(kind, arrangement, faces)) first->setFocus();
+  }
   return dialog;
 }
 

@@ -7,6 +7,7 @@
 #include "desktop/colours.h"
 #include "desktop/text.h"
 #include "desktop/widgets/gear.h"
+#include "desktop/widgets/gear_group.h"
 #include "desktop/widgets/mark.h"
 #include "desktop/widgets/measure.h"
 #include "desktop/widgets/message_line.h"
@@ -16,16 +17,32 @@
 #include "desktop/widgets/text_label.h"
 #include "desktop/widgets/value_box.h"
 #include "view/ar_metor.h"
+#include "view/window.h"
 
 namespace tarvo::desktop {
 
 namespace {
 
-/// What a screen reader says: the control's name, and its state where the look tells one.
-void Name(QWidget& widget, const view::Control& control, const QString& state = {}) {
-  QString name = ToQt(control.Name());
-  if (!state.isEmpty()) name += QStringLiteral(": ") + state;
+/// What a screen reader says: what the control is called, and its state where the look tells one.
+void Name(QWidget& widget, const view::Control& control, const QString& called, const QString& state = {}) {
+  QString name = called.isEmpty() ? ToQt(control.Name()) : called;
+  if (!state.isEmpty()) name += QStringLiteral(", ") + state;
   if (widget.accessibleName() != name) widget.setAccessibleName(name);
+}
+
+/// By the title of the place where it stands, and its own caption where that says more.
+QString Called(const Title& title, const std::string& caption = {}) {
+  QString called = title ? title() : QString();
+  const QString own = ToQt(view::WithoutMnemonic(caption)).trimmed();
+  if (called.endsWith(own)) return called;
+  if (!called.isEmpty()) called += QLatin1Char(' ');
+  return called + own;
+}
+
+/// A field that has no title is what its window is for.
+QString CalledOr(const Title& title, const std::string& otherwise) {
+  const QString called = Called(title);
+  return called.isEmpty() ? ToQt(otherwise) : called;
 }
 
 QString OnOrOff(bool on) {
@@ -46,30 +63,31 @@ QString ToolTip(const view::Control& control) {
 
 }  // namespace
 
-QWidget* Faces::Make(view::Control& control, QWidget* parent, Setting setting) {
+QWidget* Faces::Make(view::Control& control, QWidget* parent, Setting setting, const Title& title) {
   switch (control.GetKind()) {
     case view::Kind::kLabel:
-      return MakeLabel(static_cast<view::Label&>(control), parent, setting);
+      return MakeLabel(static_cast<view::Label&>(control), parent, setting, title);
     case view::Kind::kButton:
       return MakeButton(static_cast<view::Button&>(control), parent, setting);
     case view::Kind::kCheckBox:
-      return MakeCheckBox(static_cast<view::CheckBox&>(control), parent);
+      return MakeCheckBox(static_cast<view::CheckBox&>(control), parent, title);
     case view::Kind::kOptionButton:
-      return MakeOption(static_cast<view::OptionButton&>(control), parent);
+      return MakeOption(static_cast<view::OptionButton&>(control), parent, title);
     case view::Kind::kComboBox:
-      return MakeComboBox(static_cast<view::ComboBox&>(control), parent);
+      return MakeComboBox(static_cast<view::ComboBox&>(control), parent, title);
     case view::Kind::kTextBox:
-      return MakeTextBox(static_cast<view::TextBox&>(control), parent);
+      return MakeTextBox(static_cast<view::TextBox&>(control), parent, title);
     case view::Kind::kImageBox:
-      return MakeImageBox(static_cast<view::ImageBox&>(control), parent);
+      return MakeImageBox(static_cast<view::ImageBox&>(control), parent, title);
     case view::Kind::kLamp:
-      return MakeLamp(static_cast<view::Lamp&>(control), parent);
+      return MakeLamp(static_cast<view::Lamp&>(control), parent, title);
     case view::Kind::kMeter:
-      return MakeMeter(control, parent);
+      return MakeMeter(control, parent, title);
     case view::Kind::kClip:
       return MakeClip(static_cast<view::Clip&>(control), parent);
-    case view::Kind::kTimer:
     case view::Kind::kPanel:
+      return MakePanel(static_cast<view::Panel&>(control), parent);
+    case view::Kind::kTimer:
     case view::Kind::kMenuItem:
     case view::Kind::kComponent:
       break;
@@ -117,13 +135,13 @@ void Faces::HandIn(view::Control& control, Widget* widget) {
                      [this, &control] { screen_.PressKey(&control, view::Key::kEnter); });
 }
 
-QWidget* Faces::MakeLabel(view::Label& label, QWidget* parent, Setting setting) {
+QWidget* Faces::MakeLabel(view::Label& label, QWidget* parent, Setting setting, const Title& title) {
   if (label.TakesClick()) {
     auto* box = new ValueBox(parent);
     HandIn(label, box);
-    Bind(label, box, [&label, box] {
+    Bind(label, box, [&label, box, title] {
       box->SetText(ToQt(label.Caption()));
-      Name(*box, label, box->Text());
+      Name(*box, label, Called(title), box->Text());
     });
     return box;
   }
@@ -137,9 +155,15 @@ QWidget* Faces::MakeLabel(view::Label& label, QWidget* parent, Setting setting) 
   }
   auto* text = new TextLabel(parent, setting == Setting::kNote ? TextLabel::Look::kQuiet : TextLabel::Look::kPlain);
   if (setting == Setting::kTable) text->AlignNumbers();
-  Bind(label, text, [&label, text] {
+  Bind(label, text, [&label, text, title] {
     text->SetText(ToQt(label.Caption()));
-    Name(*text, label, text->Text());
+    const QString called = Called(title);
+    // The text that names a row is not told twice.
+    if (called.isEmpty() || called == text->Text()) {
+      Name(*text, label, text->Text());
+    } else {
+      Name(*text, label, called, text->Text());
+    }
   });
   return text;
 }
@@ -149,8 +173,8 @@ PageLabel* Faces::MakePageLabel(view::Label& label, QWidget* parent, std::functi
   HandIn(label, entry);
   Bind(label, entry, [&label, entry, after = std::move(onRefresh)] {
     entry->SetText(ToQt(label.Caption()));
-    entry->SetSelected(label.BackColor() == view::kHighlight);
-    Name(*entry, label, entry->Selected() ? QStringLiteral("selected") : QString());
+    entry->SetSelected(RoleOf(label.BackColor()) == Role::kSelected);
+    Name(*entry, label, entry->Text(), entry->Selected() ? QStringLiteral("selected") : QString());
     after();
   });
   // The list closes up when a family of pages is hidden.
@@ -160,18 +184,28 @@ PageLabel* Faces::MakePageLabel(view::Label& label, QWidget* parent, std::functi
   return entry;
 }
 
+TextLabel* Faces::MakePanel(view::Panel& panel, QWidget* parent) {
+  auto* text = new TextLabel(parent);
+  text->GiveWay();
+  Bind(panel, text, [&panel, text] {
+    text->SetText(ToQt(panel.Text()));
+    text->setAccessibleName(ToQt(panel.Text().empty() ? panel.Name() : panel.Text()));
+  });
+  return text;
+}
+
 QWidget* Faces::MakeButton(view::Button& button, QWidget* parent, Setting setting) {
   auto* push = new PushButton(parent, [this, &button] { screen_.PressKey(&button, view::Key::kEnter); });
   if (setting == Setting::kAccent) push->Accent();
   QObject::connect(push, &QPushButton::clicked, push, [this, &button] { screen_.Click(button); });
   Bind(button, push, [&button, push] {
     push->setText(ToQt(button.Caption()));
-    Name(*push, button);
+    Name(*push, button, Called({}, button.Caption()));
   });
   return push;
 }
 
-QWidget* Faces::MakeCheckBox(view::CheckBox& box, QWidget* parent) {
+QWidget* Faces::MakeCheckBox(view::CheckBox& box, QWidget* parent, const Title& title) {
   auto* mark = new CheckMark(parent);
   const auto click = [this, &box] {
     screen_.Click(box);
@@ -180,15 +214,15 @@ QWidget* Faces::MakeCheckBox(view::CheckBox& box, QWidget* parent) {
   QObject::connect(mark, &QCheckBox::clicked, mark, click);
   // Only assistive tools toggle the widget past its own click.
   QObject::connect(mark, &QCheckBox::toggled, mark, click);
-  Bind(box, mark, [&box, mark] {
+  Bind(box, mark, [&box, mark, title] {
     mark->setText(ToQt(box.Caption()));
     mark->setChecked(box.Value() != 0);
-    Name(*mark, box, OnOrOff(mark->isChecked()));
+    Name(*mark, box, Called(title, box.Caption()), OnOrOff(mark->isChecked()));
   });
   return mark;
 }
 
-QWidget* Faces::MakeOption(view::OptionButton& option, QWidget* parent) {
+QWidget* Faces::MakeOption(view::OptionButton& option, QWidget* parent, const Title& title) {
   auto* mark = new OptionMark(parent);
   const auto click = [this, &option] {
     screen_.Click(option);
@@ -196,22 +230,22 @@ QWidget* Faces::MakeOption(view::OptionButton& option, QWidget* parent) {
   };
   QObject::connect(mark, &QRadioButton::clicked, mark, click);
   QObject::connect(mark, &QRadioButton::toggled, mark, click);
-  Bind(option, mark, [&option, mark] {
+  Bind(option, mark, [&option, mark, title] {
     mark->setText(ToQt(option.Caption()));
     mark->setChecked(option.Value());
-    Name(*mark, option, OnOrOff(mark->isChecked()));
+    Name(*mark, option, Called(title, option.Caption()), OnOrOff(mark->isChecked()));
   });
   return mark;
 }
 
-QWidget* Faces::MakeComboBox(view::ComboBox& combo, QWidget* parent) {
+QWidget* Faces::MakeComboBox(view::ComboBox& combo, QWidget* parent, const Title& title) {
   auto* list = new ListField(parent);
   QObject::connect(list, &QComboBox::activated, list, [this, &combo](int position) {
     screen_.Choose(combo, position);
     // The list has moved by itself; what holds is what the control says.
     Refresh(combo);
   });
-  Bind(combo, list, [&combo, list] {
+  Bind(combo, list, [&combo, list, title] {
     QStringList texts;
     for (const std::string& text : combo.List()) texts << ToQt(text);
     QStringList shown;
@@ -219,14 +253,15 @@ QWidget* Faces::MakeComboBox(view::ComboBox& combo, QWidget* parent) {
     if (texts != shown) {
       list->clear();
       list->addItems(texts);
+      list->updateGeometry();
     }
     if (list->currentIndex() != combo.ListIndex()) list->setCurrentIndex(combo.ListIndex());
-    Name(*list, combo, list->currentText());
+    Name(*list, combo, Called(title), list->currentText());
   });
   return list;
 }
 
-QWidget* Faces::MakeTextBox(view::TextBox& field, QWidget* parent) {
+QWidget* Faces::MakeTextBox(view::TextBox& field, QWidget* parent, const Title& title) {
   auto* edit = new TextField(parent);
   edit->onKey = [this, &field](view::Key key) { screen_.PressKey(&field, key); };
   edit->onLeave = [this, &field] { screen_.Leave(field); };
@@ -234,48 +269,58 @@ QWidget* Faces::MakeTextBox(view::TextBox& field, QWidget* parent) {
     screen_.Type(field, text.toStdString());
     Refresh(field);
   });
-  Bind(field, edit, [&field, edit] {
+  Bind(field, edit, [&field, edit, title] {
     const QString text = ToQt(field.Text());
     if (edit->text() != text) {
       edit->setText(text);
       // The program has put something else there: the next key replaces it.
       edit->selectAll();
     }
-    Name(*edit, field);
+    Name(*edit, field, CalledOr(title, field.GetWindow().Caption));
   });
   return edit;
 }
 
-QWidget* Faces::MakeImageBox(view::ImageBox& image, QWidget* parent) {
+QWidget* Faces::MakeImageBox(view::ImageBox& image, QWidget* parent, const Title& title) {
+  if (image.GetAlbum() == view::ImageBox::Album::kGears) return MakeGears(image, parent);
   auto* mark = new Mark(parent, Mark::Size::kLarge);
   HandIn(image, mark);
-  Bind(image, mark, [&image, mark] {
+  Bind(image, mark, [&image, mark, title] {
     constexpr int kLitPicture = 2;
     mark->SetRole(image.Picture() == kLitPicture ? Role::kGood : Role::kDark);
-    Name(*mark, image, OnOrOff(mark->Lit()));
+    Name(*mark, image, Called(title), OnOrOff(mark->Lit()));
   });
   return mark;
 }
 
-QWidget* Faces::MakeLamp(view::Lamp& lamp, QWidget* parent) {
+QWidget* Faces::MakeGears(view::ImageBox& image, QWidget* parent) {
+  auto* gears = new GearGroup(parent);
+  Bind(image, gears, [&image, gears] {
+    gears->SetPhase(image.Picture());
+    Name(*gears, image, QStringLiteral("Gears"));
+  });
+  return gears;
+}
+
+QWidget* Faces::MakeLamp(view::Lamp& lamp, QWidget* parent, const Title& title) {
   auto* mark = new Mark(parent, Mark::Size::kSmall);
   HandIn(lamp, mark);
-  Bind(lamp, mark, [&lamp, mark] {
+  Bind(lamp, mark, [&lamp, mark, title] {
     mark->SetCaption(ToQt(view::WithoutMnemonic(lamp.Caption())));
     mark->SetRole(RoleOf(lamp.BackColor()));
-    Name(*mark, lamp, OnOrOff(mark->Lit()));
+    Name(*mark, lamp, Called(title, lamp.Caption()), OnOrOff(mark->Lit()));
   });
   return mark;
 }
 
-QWidget* Faces::MakeMeter(view::Control& control, QWidget* parent) {
+QWidget* Faces::MakeMeter(view::Control& control, QWidget* parent, const Title& title) {
   auto& meter = static_cast<view::ARMetor&>(control);
   auto* bar = new MeterBar(parent);
-  Bind(meter, bar, [&meter, bar] {
+  Bind(meter, bar, [&meter, bar, title] {
     bar->SetShare(static_cast<double>(meter.ShapeWidth(1.0F)));
     const Role role = RoleOf(meter.FillColor());
     bar->SetRole(role == Role::kDark ? Role::kBar : role);
-    Name(*bar, meter, Percent(meter));
+    Name(*bar, meter, Called(title), Percent(meter));
   });
   return bar;
 }
@@ -284,7 +329,7 @@ QWidget* Faces::MakeClip(view::Clip& clip, QWidget* parent) {
   auto* gear = new Gear(parent);
   Bind(clip, gear, [&clip, gear] {
     gear->SetTurning(clip.Playing());
-    Name(*gear, clip, OnOrOff(clip.Playing()));
+    Name(*gear, clip, QStringLiteral("Activity"), OnOrOff(clip.Playing()));
   });
   return gear;
 }

@@ -11,6 +11,7 @@ class QWidget;
 namespace tarvo::desktop {
 
 class PageLabel;
+class TextLabel;
 
 /// Where a control stands, as far as its look depends on it.
 enum class Setting {
@@ -21,6 +22,9 @@ enum class Setting {
   kAccent,   ///< a button that the eye should find
 };
 
+/// What a control is called where it stands, by its row, column or heading; empty where nothing stands beside it.
+using Title = std::function<QString()>;
+
 /// Makes the widgets that show controls. They own no values: each gesture goes through the screen, and what the
 /// control holds is shown.
 class Faces {
@@ -28,7 +32,9 @@ class Faces {
   explicit Faces(view::Screen& screen) : screen_(screen) {}
 
   /// The widget for `control`; null for a kind without a face.
-  QWidget* Make(view::Control& control, QWidget* parent, Setting setting = Setting::kPlain);
+  QWidget* Make(view::Control& control, QWidget* parent, Setting setting = Setting::kPlain, const Title& title = {});
+  /// The text of a panel; it gives way where its place is narrow.
+  TextLabel* MakePanel(view::Panel& panel, QWidget* parent);
   PageLabel* MakePageLabel(view::Label& label, QWidget* parent, std::function<void()> onRefresh);
 
   /// Calls `refresh` now and at each change of `control`, as long as `shower` lives.
@@ -43,15 +49,16 @@ class Faces {
     std::function<void()> refresh;
   };
 
-  QWidget* MakeLabel(view::Label& label, QWidget* parent, Setting setting);
+  QWidget* MakeLabel(view::Label& label, QWidget* parent, Setting setting, const Title& title);
   QWidget* MakeButton(view::Button& button, QWidget* parent, Setting setting);
-  QWidget* MakeCheckBox(view::CheckBox& box, QWidget* parent);
-  QWidget* MakeOption(view::OptionButton& option, QWidget* parent);
-  QWidget* MakeComboBox(view::ComboBox& combo, QWidget* parent);
-  QWidget* MakeTextBox(view::TextBox& field, QWidget* parent);
-  QWidget* MakeImageBox(view::ImageBox& image, QWidget* parent);
-  QWidget* MakeLamp(view::Lamp& lamp, QWidget* parent);
-  QWidget* MakeMeter(view::Control& control, QWidget* parent);
+  QWidget* MakeCheckBox(view::CheckBox& box, QWidget* parent, const Title& title);
+  QWidget* MakeOption(view::OptionButton& option, QWidget* parent, const Title& title);
+  QWidget* MakeComboBox(view::ComboBox& combo, QWidget* parent, const Title& title);
+  QWidget* MakeTextBox(view::TextBox& field, QWidget* parent, const Title& title);
+  QWidget* MakeImageBox(view::ImageBox& image, QWidget* parent, const Title& title);
+  QWidget* MakeGears(view::ImageBox& image, QWidget* parent);
+  QWidget* MakeLamp(view::Lamp& lamp, QWidget* parent, const Title& title);
+  QWidget* MakeMeter(view::Control& control, QWidget* parent, const Title& title);
   QWidget* MakeClip(view::Clip& clip, QWidget* parent);
 
   /// A widget that shows one control: named like it, following it.

@@ -25,13 +25,16 @@ QDialog* Front::FrontDialog() const {
 
 void Front::ControlsChanged(std::span<view::Control* const> changed) {
   for (const view::Control* control : changed) faces_.Refresh(*control);
+  if (window_ != nullptr) window_->SettleFocus();
 }
 
 void Front::StageChanged() {
   if (window_ != nullptr) {
     window_->ShowStage();
+    window_->SettleFocus();
   } else if (screen_.Main() != nullptr) {
     window_ = std::make_unique<MainWindow>(screen_, faces_, *screen_.Main(), ended_);
+    window_->SettleFocus();
     window_->show();
   }
   ShowDialogs();

@@ -1,12 +1,13 @@
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QDialog>
-#include <QIcon>
 #include <QPainter>
 #include <QTimer>
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <functional>
+#include <initializer_list>
 #include <iostream>
 #include <string>
 
@@ -15,8 +16,11 @@
 #include "desktop/options.h"
 #include "desktop/qt_scheduler.h"
 #include "desktop/style.h"
+#include "desktop/widgets/gear.h"
 #include "platform/com_ports.h"
+#include "platform/help_viewer.h"
 #include "platform/settings_file.h"
+#include "platform/system_files.h"
 #include "shell/program.h"
 #include "view/window.h"
 
@@ -28,6 +32,9 @@ constexpr int kWrongUsage = 2;
 /// The window as it is now, with what stands in front of it.
 bool SaveScreenshot(const Front& front, const QString& path) {
   if (front.Window() == nullptr) return false;
+  for (QWidget* widget : front.Window()->findChildren<QWidget*>()) {
+    if (auto* gear = dynamic_cast<Gear*>(widget)) gear->Rewind();
+  }
   QPixmap picture = front.Window()->grab();
   if (QDialog* dialog = front.FrontDialog()) {
     const QPixmap over = dialog->grab();
@@ -42,21 +49,47 @@ bool SaveScreenshot(const Front& front, const QString& path) {
   return picture.save(path);
 }
 
-/// Clicks what the command line names, when the start-up has ended.
-void ClickWhenStarted(shell::Program& program, const QStringList& names) {
-  if (program.Starting()) {
-    constexpr int kLookAgain = 20;
-    QTimer::singleShot(kLookAgain, QCoreApplication::instance(),
-                       [&program, &names] { ClickWhenStarted(program, names); });
-    return;
+view::GestureResult ClickByName(shell::Program& program, const std::string& name) {
+  view::Screen& screen = program.GetScreen();
+  for (const view::Window* window : std::initializer_list<view::Window*>{screen.FrontWindow(), screen.Main()}) {
+    view::Control* control = window == nullptr ? nullptr : window->Find(name);
+    if (control != nullptr) return screen.Click(*control);
   }
-  for (const QString& name : names) {
-    const view::Window* page = program.GetScreen().FrontWindow();
-    view::Control* control = page == nullptr ? nullptr : page->Find(name.toStdString());
-    std::string refusal = "there is no control of that name";
-    if (control != nullptr) refusal = program.GetScreen().Click(*control).refusal;
-    if (!refusal.empty()) std::cerr << "tarvo: click " << name.toStdString() << ": " << refusal << "\n";
+  view::GestureResult none;
+  none.refusal = "there is no control of that name";
+  return none;
+}
+
+/// True while a click would come too early: the program starts, or works on a module.
+bool Busy(shell::Program& program) {
+  const view::Screen& screen = program.GetScreen();
+  const view::Modal* front = screen.Front();
+  // A box of the start-up stands there until somebody answers it.
+  if (front != nullptr && front->AsMessageBox() != nullptr) return false;
+  return program.Starting() || (front == nullptr && screen.Working());
+}
+
+/// Clicks one control after the other, each when the program has done what the one before asked for; then calls `done`.
+void ClickInTurn(shell::Program& program, QStringList names, const std::function<void()>& done) {
+  if (!Busy(program)) {
+    if (names.isEmpty()) return done();
+    const std::string name = names.takeFirst().toStdString();
+    const std::string refusal = ClickByName(program, name).refusal;
+    if (!refusal.empty()) std::cerr << "tarvo: click " << name << ": " << refusal << "\n";
   }
+  constexpr int kLookAgain = 20;
+  QTimer::singleShot(kLookAgain, QCoreApplication::instance(),
+                     [&program, names, done] { ClickInTurn(program, names, done); });
+}
+
+/// Saves a picture a while later, and ends.
+void TakeScreenshot(const Front& front, const Options& options) {
+  if (options.screenshot.isEmpty()) return;
+  QTimer::singleShot(options.after, QCoreApplication::instance(), [&front, &options] {
+    const bool saved = SaveScreenshot(front, options.screenshot);
+    if (!saved) std::cerr << "tarvo: cannot write " << options.screenshot.toStdString() << "\n";
+    QCoreApplication::exit(saved ? 0 : 1);
+  });
 }
 
 int Main(QApplication& application) {
@@ -74,7 +107,9 @@ int Main(QApplication& application) {
   if (const core::Status loaded = settings.Load(); !loaded.Ok()) std::cerr << "tarvo: " << loaded.Description() << "\n";
   platform::ComPorts ports(scheduler, options.devices, settings);
   const std::string programFolder = QApplication::applicationDirPath().toStdString();
-  shell::Program program({scheduler, ports, programFolder});
+  platform::DesktopHelp help(scheduler, platform::DesktopHelp::ManualOf(programFolder));
+  platform::SystemFiles files;
+  shell::Program program({scheduler, ports, settings, help, files, programFolder});
   Front front(program.GetScreen(), [&program] { return program.Ended(); });
 
   // The program may end in any handler: looked at each time the loop has nothing left to do.
@@ -82,15 +117,10 @@ int Main(QApplication& application) {
                    [&program] {
                      if (program.Ended()) QCoreApplication::exit(0);
                    });
-  if (!options.screenshot.isEmpty()) {
-    QTimer::singleShot(options.after, &application, [&front, &options] {
-      const bool saved = SaveScreenshot(front, options.screenshot);
-      if (!saved) std::cerr << "tarvo: cannot write " << options.screenshot.toStdString() << "\n";
-      QCoreApplication::exit(saved ? 0 : 1);
-    });
-  }
+  // A picture shows no moment of a blinking cursor.
+  if (!options.screenshot.isEmpty()) QApplication::setCursorFlashTime(0);
   program.Start();
-  ClickWhenStarted(program, options.clicks);
+  ClickInTurn(program, options.clicks, [&front, &options] { TakeScreenshot(front, options); });
   return QApplication::exec();
 }
 
@@ -108,7 +138,6 @@ int main(int count, char** values) {
     QApplication application(count, values);
     QApplication::setApplicationName(QStringLiteral("Tarvo"));
     QApplication::setStyle(new tarvo::desktop::Style);
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/tarvo.svg")));
     QApplication::setQuitOnLastWindowClosed(false);
     return tarvo::desktop::Main(application);
   } catch (const std::exception& fault) {

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QMenuBar>
 #include <QSignalBlocker>
@@ -16,6 +17,8 @@
 #include "desktop/walker.h"
 #include "desktop/widgets/card.h"
 #include "desktop/widgets/measure.h"
+#include "desktop/widgets/page_list.h"
+#include "desktop/widgets/status_line.h"
 #include "desktop/widgets/text_label.h"
 #include "view/window.h"
 
@@ -55,11 +58,16 @@ void TakeApart(const view::Node& node, Parts& parts) {
   }
 }
 
+bool TakesFocus(const QWidget* widget) {
+  return widget != nullptr && widget->isEnabled() && !widget->isHidden() && widget->focusPolicy() != Qt::NoFocus;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(view::Screen& screen, Faces& faces, view::Window& window, std::function<bool()> ended)
     : screen_(screen), faces_(faces), window_(window), ended_(std::move(ended)) {
   setObjectName(ToQt(window.Name()));
+  setWindowIcon(QIcon(QStringLiteral(":/tarvo.svg")));
   BuildMenu();
   BuildBody();
   BuildStatusBar();
@@ -137,7 +145,8 @@ void MainWindow::BuildBody() {
   auto* row = new QHBoxLayout;
   row->setSpacing(0);
   if (parts.pageList != nullptr) {
-    row->addWidget(walker.Build(*parts.pageList, body));
+    pageList_ = static_cast<PageList*>(walker.Build(*parts.pageList, body));
+    row->addWidget(pageList_);
     row->addWidget(new Rule(Qt::Vertical, body));
   }
   pages_ = new QStackedWidget(body);
@@ -153,26 +162,17 @@ void MainWindow::BuildBody() {
 }
 
 void MainWindow::BuildStatusBar() {
-  bool first = true;
+  auto* ground = new QWidget(statusBar());
+  auto* line = new StatusLine(ground);
+  line->setSpacing(Em(*this, 1.5));
   for (view::Control* control : window_.Controls()) {
     if (control->GetKind() != view::Kind::kPanel) continue;
-    auto& panel = static_cast<view::Panel&>(*control);
-    auto* text = new TextLabel(statusBar());
-    text->GiveWay();
-    text->setObjectName(ToQt(panel.Name()));
-    if (first) {
-      statusBar()->addWidget(text, 1);
-    } else {
-      statusBar()->addPermanentWidget(text);
-    }
-    first = false;
-    faces_.Follow(panel, *text, [&panel, text] {
-      text->SetText(ToQt(panel.Text()));
-      text->setToolTip(ToQt(panel.ToolTipText()));
-      text->setAccessibleName(ToQt(panel.Name() + ": " + panel.Text()));
-    });
+    TextLabel* text = faces_.MakePanel(static_cast<view::Panel&>(*control), ground);
+    // A passing text begins with what matters; what follows tells a line, which ends with it too.
+    if (line->count() > 0) text->GiveWay(Qt::ElideMiddle);
+    line->addWidget(text);
   }
-  if (first) return;
+  statusBar()->addWidget(ground, 1);
   const int side = Em(*this, 0.6);
   statusBar()->setContentsMargins(side, 0, side, 0);
 }
@@ -188,7 +188,45 @@ void MainWindow::ShowPage(view::Window* page) {
     widget->setObjectName(ToQt(page->Name()));
     pages_->addWidget(widget);
   }
+  if (pages_->currentWidget() == widget) return;
+  const bool inList = pageList_ != nullptr && pageList_->isAncestorOf(focusWidget());
   pages_->setCurrentWidget(widget);
+  // The keyboard goes on from the page shown, also when something else than the list has led to it.
+  if (inList && pageList_->Stop() != nullptr) pageList_->Stop()->setFocus(Qt::OtherFocusReason);
+}
+
+void MainWindow::SettleFocus() {
+  // Behind something modal nobody needs it, and while a page works on its module nearly all is locked.
+  if (screen_.Front() != nullptr || screen_.Working()) return;
+  if (lost_ == nullptr && TakesFocus(focusWidget())) return;
+  QWidget* next = NextFocus();
+  lost_ = nullptr;
+  if (pageList_ != nullptr && (next == nullptr || pageList_->isAncestorOf(next))) next = pageList_->Stop();
+  if (next != nullptr) next->setFocus(Qt::OtherFocusReason);
+}
+
+QWidget* MainWindow::NextFocus() const {
+  if (lost_ == nullptr) return nullptr;
+  if (TakesFocus(lost_)) return lost_;
+  if (TakesFocus(focusWidget())) return focusWidget();
+  return UsableAfter(lost_);
+}
+
+QWidget* MainWindow::UsableAfter(QWidget* widget) const {
+  for (QWidget* next = widget->nextInFocusChain(); next != widget; next = next->nextInFocusChain()) {
+    const bool stops = (next->focusPolicy() & Qt::TabFocus) != 0;
+    if (stops && TakesFocus(next) && next->isVisibleTo(this) && next->window() == this) return next;
+  }
+  return nullptr;
+}
+
+bool MainWindow::focusNextPrevChild(bool next) {
+  // The toolkit asks for a control that is being disabled, too: then others may still change in this turn.
+  if (focusWidget() != nullptr && !focusWidget()->isEnabled()) {
+    lost_ = focusWidget();
+    return false;
+  }
+  return QMainWindow::focusNextPrevChild(next);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -198,8 +236,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::keyPressEvent(QKeyEvent* event) {
-  if (event->key() != Qt::Key_Escape) return QMainWindow::keyPressEvent(event);
-  screen_.PressKey(nullptr, view::Key::kEscape);
+  if (event->key() == Qt::Key_Escape) {
+    screen_.PressKey(nullptr, view::Key::kEscape);
+  } else if (event->key() == Qt::Key_F10 && !menuBar()->actions().isEmpty()) {
+    menuBar()->setActiveAction(menuBar()->actions().first());
+  } else {
+    QMainWindow::keyPressEvent(event);
+  }
 }
 
 }  // namespace tarvo::desktop

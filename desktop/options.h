@@ -11,9 +11,9 @@ namespace tarvo::desktop {
 struct Options {
   QString settings;                    ///< empty for the user's own settings file
   std::array<std::string, 4> devices;  ///< behind COM1 to COM4, empty where not given
-  QStringList clicks;                  ///< controls of the page that are clicked once the program has started
+  QStringList clicks;                  ///< controls that are clicked in turn once the program has started
   QString screenshot;                  ///< empty for none
-  int after = 1000;                    ///< milliseconds to the screenshot
+  int after = 1000;                    ///< milliseconds from the last click to the screenshot
   QString palette;                     ///< "light", "dark", empty for the desktop's
   QString error;                       ///< what is wrong with it, empty when nothing is
 };
@@ -27,7 +27,7 @@ inline constexpr char kUsage[] =
     "  --settings FILE      the settings file, in place of the user's own\n"
     "  --comN DEVICE        the device behind COM1 to COM4\n"
     "  --palette light|dark the program's own colours, in place of the desktop's\n"
-    "  --click NAME         clicks a control of the page once the program has started\n"
-    "  --screenshot FILE    saves a picture of the window after a while, and ends\n";
+    "  --click NAME         clicks a control once the program has started, the next when it has done its work\n"
+    "  --screenshot FILE    saves a picture of the window a while later, and ends\n";
 
 }  // namespace tarvo::desktop

@@ -1,5 +1,6 @@
 #include "desktop/style.h"
 
+#include <QAbstractButton>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleFactory>
@@ -90,6 +91,14 @@ void PaintOption(const QStyleOption& option, QPainter& painter) {
   painter.drawEllipse(place.adjusted(inset, inset, -inset, -inset));
 }
 
+/// Around the caption of a box or an option: their marks have no room for a ring.
+void PaintFocus(const QStyleOption& option, QPainter& painter) {
+  const double radius = Radius(option.fontMetrics);
+  painter.setPen(QPen(option.palette.color(QPalette::Highlight), 2));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(QRectF(option.rect).adjusted(1, 1, -1, -1), radius, radius);
+}
+
 void PaintArrow(const QRect& place, const QFontMetrics& metrics, const QColor& tone, QPainter& painter) {
   const double half = metrics.height() * 0.25;
   const QPointF middle = QRectF(place).center();
@@ -148,6 +157,14 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
       PaintOption(*option, *painter);
       break;
     case PE_FrameDefaultButton:
+      break;
+    case PE_FrameFocusRect:
+      // Lists and menus show their own.
+      if (qobject_cast<const QAbstractButton*>(widget) != nullptr) {
+        PaintFocus(*option, *painter);
+      } else {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+      }
       break;
     case PE_PanelLineEdit:
       if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
@@ -215,12 +232,19 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
       return {size.width(), std::max(size.height(), FieldHeight(metrics))};
     case CT_CheckBox:
     case CT_RadioButton:
-      return {size.width(), std::max(size.height(), em + em / 2)};
+      // With room for the ring of the focus around the caption.
+      return {size.width() + em / 4, std::max(size.height(), em + em / 2)};
     case CT_MenuBarItem:
       return {size.width(), size.height() + em / 3};
     default:
       return size;
   }
+}
+
+int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget, QStyleHintReturn* more) const {
+  // On a dark ground the shadow of a disabled text reads as a second text.
+  if (hint == SH_EtchDisabledText) return 0;
+  return QProxyStyle::styleHint(hint, option, widget, more);
 }
 
 int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {

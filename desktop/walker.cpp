@@ -4,11 +4,15 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QScrollArea>
+#include <QStringList>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "desktop/text.h"
 #include "desktop/widgets/card.h"
+#include "desktop/widgets/card_row.h"
+#include "desktop/widgets/head_line.h"
 #include "desktop/widgets/measure.h"
 #include "desktop/widgets/page_list.h"
 #include "desktop/widgets/text_label.h"
@@ -46,12 +50,18 @@ bool Spreads(const view::Node& node) {
   }
 }
 
+bool HasButtons(const view::Node& row) {
+  return row.kind == NodeKind::kRow &&
+         std::any_of(row.children.begin(), row.children.end(),
+                     [](const view::Node& child) { return IsKind(child, view::Kind::kButton); });
+}
+
 /// Cards stand further apart than what is in them.
 int Gap(const view::Node& node, const QWidget& widget) {
   return Em(widget, Contains(node, NodeKind::kFrame) ? 1.0 : 0.4);
 }
 
-/// The heading of a field: goes and comes with the widget that it heads.
+/// The heading of a field: goes, comes and turns grey with the widget that it heads.
 class Heading : public TextLabel {
  public:
   explicit Heading(QWidget* parent) : TextLabel(parent) {
@@ -63,12 +73,14 @@ class Heading : public TextLabel {
   void Accompany(QWidget& widget) {
     widget.installEventFilter(this);
     setVisible(!widget.isHidden());
+    setEnabled(widget.isEnabled());
   }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::ShowToParent) show();
     if (event->type() == QEvent::HideToParent) hide();
+    if (event->type() == QEvent::EnabledChange) setEnabled(static_cast<const QWidget*>(watched)->isEnabled());
     return TextLabel::eventFilter(watched, event);
   }
 };
@@ -77,6 +89,37 @@ TextLabel* MakeText(const QString& text, QWidget* parent, TextLabel::Look look) 
   auto* label = new TextLabel(parent, look);
   label->SetText(text);
   return label;
+}
+
+const std::string kNoHeading;
+
+bool Holds(const view::Node& node, const view::Node* sought) {
+  return &node == sought || std::any_of(node.children.begin(), node.children.end(),
+                                        [&](const view::Node& child) { return Holds(child, sought); });
+}
+
+/// The text that names a row of a table: its first that is only shown. Null when there is none.
+const view::Node* RowName(const view::Node& node) {
+  if (node.kind == NodeKind::kText || (IsKind(node, view::Kind::kLabel) && !node.control->TakesClick())) return &node;
+  for (const view::Node& child : node.children) {
+    if (const view::Node* name = RowName(child)) return name;
+  }
+  return nullptr;
+}
+
+/// What a cell is called: its row, then its column.
+Title TitleOf(const view::Node* rowName, const std::string& heading) {
+  const view::Label* label = nullptr;
+  QString text;
+  if (rowName != nullptr && rowName->kind == NodeKind::kControl)
+    label = static_cast<const view::Label*>(rowName->control);
+  if (rowName != nullptr && label == nullptr) text = ToQt(rowName->text);
+  return [label, text, column = ToQt(heading)] {
+    QStringList words(label == nullptr ? text : ToQt(label->Caption()));
+    words << column;
+    words.removeAll(QString());
+    return words.join(QLatin1Char(' '));
+  };
 }
 
 /// The ground of a scroll area is that of the window behind it.
@@ -92,7 +135,7 @@ void MakeClear(QScrollArea& area) {
 QWidget* Walker::Build(const view::Node& node, QWidget* parent) {
   switch (node.kind) {
     case NodeKind::kControl:
-      return faces_.Make(*node.control, parent);
+      return Make(*node.control, parent, Setting::kPlain);
     case NodeKind::kColumn:
       return BuildColumn(node, parent);
     case NodeKind::kRow:
@@ -118,6 +161,10 @@ QWidget* Walker::Build(const view::Node& node, QWidget* parent) {
   return nullptr;
 }
 
+QWidget* Walker::Make(view::Control& control, QWidget* parent, Setting setting) {
+  return faces_.Make(control, parent, setting, title_);
+}
+
 QWidget* Walker::BuildPage(const view::Node& node, QWidget* parent) {
   auto* area = new QScrollArea(parent);
   auto* ground = new QWidget;
@@ -125,8 +172,8 @@ QWidget* Walker::BuildPage(const view::Node& node, QWidget* parent) {
   area->setWidgetResizable(true);
   area->setAlignment(Qt::AlignLeft | Qt::AlignTop);
   MakeClear(*area);
-  // Wider, and the eye would lose the row.
-  ground->setMaximumWidth(Em(*ground, 80));
+  // Wider, and the eye would lose the row. A page without a head is a picture, in the middle of any window.
+  if (Contains(node, NodeKind::kHead)) ground->setMaximumWidth(Em(*ground, 80));
 
   auto* layout = new QVBoxLayout(ground);
   const int margin = Em(*ground, 1.3);
@@ -173,6 +220,8 @@ QWidget* Walker::BuildColumn(const view::Node& node, QWidget* parent) {
     if (child.kind == NodeKind::kSpace) {
       layout->addStretch(1);
     } else if (QWidget* widget = Build(child, column)) {
+      // The deeds at the foot stand apart from what they are about.
+      if (layout->count() > 0 && HasButtons(child)) layout->addSpacing(Em(*column, 0.6));
       layout->addWidget(widget, child.kind == NodeKind::kScroller ? 1 : 0);
     }
   }
@@ -180,11 +229,11 @@ QWidget* Walker::BuildColumn(const view::Node& node, QWidget* parent) {
 }
 
 QWidget* Walker::BuildRow(const view::Node& node, QWidget* parent) {
+  if (Contains(node, NodeKind::kFrame)) return BuildCardRow(node, parent);
   auto* row = new QWidget(parent);
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins({});
-  layout->setSpacing(std::max(Gap(node, *row), Em(*row, 0.7)));
-  const bool cards = Contains(node, NodeKind::kFrame);
+  layout->setSpacing(Em(*row, 0.7));
   bool filled = false;
   for (const view::Node& child : node.children) {
     const bool spreads = Spreads(child);
@@ -192,8 +241,8 @@ QWidget* Walker::BuildRow(const view::Node& node, QWidget* parent) {
     if (child.kind == NodeKind::kSpace) {
       layout->addStretch(1);
     } else if (QWidget* widget = Build(child, row)) {
-      // Cards of one row are equally high; what stands in a card starts at the same line.
-      const bool fills = cards || child.kind == NodeKind::kControl;
+      // What stands side by side in a card starts at the same line.
+      const bool fills = child.kind == NodeKind::kControl;
       layout->addWidget(widget, spreads ? 1 : 0, fills ? Qt::Alignment() : Qt::AlignTop);
     }
   }
@@ -201,11 +250,25 @@ QWidget* Walker::BuildRow(const view::Node& node, QWidget* parent) {
   return row;
 }
 
+QWidget* Walker::BuildCardRow(const view::Node& node, QWidget* parent) {
+  auto* row = new QWidget(parent);
+  auto* layout = new CardRow(row);
+  layout->setSpacing(Gap(node, *row));
+  for (const view::Node& child : node.children) {
+    if (child.kind == NodeKind::kSpace) {
+      layout->AddSpace();
+    } else if (QWidget* widget = Build(child, row)) {
+      layout->addWidget(widget);
+    }
+  }
+  return row;
+}
+
 QWidget* Walker::BuildTable(const view::Node& node, QWidget* parent) {
   auto* table = new QWidget(parent);
   auto* grid = new QGridLayout(table);
   grid->setContentsMargins({});
-  grid->setHorizontalSpacing(Em(*table, 1.1));
+  grid->setHorizontalSpacing(Em(*table, 0.9));
   grid->setVerticalSpacing(Em(*table, 0.5));
 
   int row = 0;
@@ -220,17 +283,22 @@ QWidget* Walker::BuildTable(const view::Node& node, QWidget* parent) {
   bool filled = false;
   for (const view::Node& line : node.children) {
     if (line.kind != NodeKind::kRow) {
-      if (QWidget* widget = BuildCell(line, table)) grid->addWidget(widget, row, 0, 1, -1);
+      if (QWidget* widget = Build(line, table)) grid->addWidget(widget, row, 0, 1, -1);
       ++row;
       continue;
     }
+    const view::Node* name = RowName(line);
     int column = 0;
     for (const view::Node& cell : line.children) {
       if (Spreads(cell)) {
         grid->setColumnStretch(column, 1);
         filled = true;
       }
-      if (QWidget* widget = BuildCell(cell, table)) grid->addWidget(widget, row, column, Qt::AlignVCenter);
+      const bool headed = column < static_cast<int>(node.headings.size()) && !Holds(cell, name);
+      const std::string& heading = headed ? node.headings[static_cast<std::size_t>(column)] : kNoHeading;
+      if (QWidget* widget = BuildCell(cell, table, TitleOf(name, heading))) {
+        grid->addWidget(widget, row, column, Qt::AlignVCenter);
+      }
       ++column;
     }
     columns = std::max(columns, column);
@@ -240,8 +308,9 @@ QWidget* Walker::BuildTable(const view::Node& node, QWidget* parent) {
   return table;
 }
 
-QWidget* Walker::BuildCell(const view::Node& node, QWidget* parent) {
-  return node.kind == NodeKind::kControl ? faces_.Make(*node.control, parent, Setting::kTable) : Build(node, parent);
+QWidget* Walker::BuildCell(const view::Node& node, QWidget* parent, Title title) {
+  const Titled titled(*this, std::move(title));
+  return node.kind == NodeKind::kControl ? Make(*node.control, parent, Setting::kTable) : Build(node, parent);
 }
 
 QWidget* Walker::BuildFrame(const view::Node& node, QWidget* parent) {
@@ -268,6 +337,7 @@ void Walker::AddField(const view::Node& field, QGridLayout& grid, int row, QWidg
   auto* heading = new Heading(parent);
   heading->SetText(ToQt(view::WithoutMnemonic(field.text)));
   grid.addWidget(heading, row, 0, Qt::AlignVCenter);
+  const Titled titled(*this, [text = heading->Text()] { return text; });
   for (const view::Node& child : field.children) {
     QWidget* widget = Build(child, parent);
     if (widget == nullptr) continue;
@@ -302,13 +372,14 @@ QWidget* Walker::BuildScroller(const view::Node& node, QWidget* parent) {
 
 QWidget* Walker::BuildHead(const view::Node& node, QWidget* parent) {
   auto* head = new QWidget(parent);
-  auto* layout = new QHBoxLayout(head);
-  layout->setContentsMargins({});
+  auto* layout = new HeadLine(head);
   layout->setSpacing(Em(*head, 0.8));
-  layout->addWidget(MakeText(ToQt(node.text), head, TextLabel::Look::kTitle));
-  auto* note = MakeText(ToQt(node.note), head, TextLabel::Look::kQuiet);
-  note->GiveWay();
-  layout->addWidget(note, 1);
+  layout->AddTitle(MakeText(ToQt(node.text), head, TextLabel::Look::kTitle));
+  if (!node.note.empty()) {
+    auto* note = MakeText(ToQt(node.note), head, TextLabel::Look::kQuiet);
+    note->GiveWay();
+    layout->AddNote(note);
+  }
 
   const auto labels = std::count_if(node.children.begin(), node.children.end(),
                                     [](const view::Node& child) { return IsKind(child, view::Kind::kLabel); });
@@ -316,18 +387,21 @@ QWidget* Walker::BuildHead(const view::Node& node, QWidget* parent) {
   bool accented = false;
   for (const view::Node& child : node.children) {
     if (child.kind != NodeKind::kControl) {
-      if (QWidget* widget = Build(child, head)) layout->addWidget(widget);
+      if (QWidget* widget = Build(child, head)) layout->AddNote(widget);
       continue;
     }
-    Setting setting = Setting::kPlain;
-    if (IsKind(child, view::Kind::kLabel)) {
+    if (!IsKind(child, view::Kind::kLabel)) {
+      const bool accent = IsKind(child, view::Kind::kButton) && !accented;
+      accented = accented || accent;
+      if (QWidget* widget = Make(*child.control, head, accent ? Setting::kAccent : Setting::kPlain)) {
+        layout->AddDeed(widget);
+      }
+    } else if (++label == labels && labels > 1) {
       // The last of the labels is the message, whatever else a page tells before it.
-      setting = ++label == labels && labels > 1 ? Setting::kMessage : Setting::kNote;
-    } else if (IsKind(child, view::Kind::kButton) && !accented) {
-      setting = Setting::kAccent;
-      accented = true;
+      layout->AddMessage(Make(*child.control, head, Setting::kMessage), Em(*head, 11));
+    } else {
+      layout->AddNote(Make(*child.control, head, Setting::kNote), Em(*head, 7));
     }
-    if (QWidget* widget = faces_.Make(*child.control, head, setting)) layout->addWidget(widget);
   }
   return head;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "desktop/faces.h"
 #include "view/arrangement.h"
 
@@ -21,16 +23,32 @@ class Walker {
  private:
   QWidget* BuildColumn(const view::Node& node, QWidget* parent);
   QWidget* BuildRow(const view::Node& node, QWidget* parent);
+  QWidget* BuildCardRow(const view::Node& node, QWidget* parent);
   QWidget* BuildTable(const view::Node& node, QWidget* parent);
   QWidget* BuildFrame(const view::Node& node, QWidget* parent);
   QWidget* BuildField(const view::Node& node, QWidget* parent);
   QWidget* BuildScroller(const view::Node& node, QWidget* parent);
   QWidget* BuildHead(const view::Node& node, QWidget* parent);
   QWidget* BuildPageList(const view::Node& node, QWidget* parent);
-  QWidget* BuildCell(const view::Node& node, QWidget* parent);
+  QWidget* BuildCell(const view::Node& node, QWidget* parent, Title title);
+  QWidget* Make(view::Control& control, QWidget* parent, Setting setting);
   void AddField(const view::Node& field, QGridLayout& grid, int row, QWidget* parent);
 
+  /// What is built while it lives has that title.
+  class Titled {
+   public:
+    Titled(Walker& walker, Title title) : walker_(walker), before_(std::exchange(walker.title_, std::move(title))) {}
+    ~Titled() { walker_.title_ = std::move(before_); }
+    Titled(const Titled&) = delete;
+    Titled& operator=(const Titled&) = delete;
+
+   private:
+    Walker& walker_;
+    Title before_;
+  };
+
   Faces& faces_;
+  Title title_;
 };
 
 }  // namespace tarvo::desktop

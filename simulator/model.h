@@ -63,6 +63,8 @@ class Model {
   virtual void Seed(Random& random) { (void)random; }
   /// `elapsed` has gone by: moves inputs, counters, measured values on.
   virtual void Live(core::Duration elapsed) { (void)elapsed; }
+  /// A request for this module has come: what watches the communication starts again. Comes after `Live`.
+  virtual void Heard() {}
   /// What a master reads in `reg`, which the module has.
   virtual state::Word Read(state::Register reg) const { return registers.Get(reg); }
   /// A master writes `value`, which the register map allows.

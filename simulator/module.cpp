@@ -74,6 +74,7 @@ std::vector<std::uint8_t> Module::Execute(std::span<const std::uint8_t> request,
   Advance(now);
   const bool broadcast = request[0] == 0;
   if (restarting_ || (!broadcast && request[0] != inForce_.address)) return {};
+  model_->Heard();
   Bytes reply = failing && !broadcast ? Refuse(request, ModbusException::kDevice) : Answer(request);
   if (broadcast) return {};
   const std::size_t length = reply.size();

@@ -133,7 +133,7 @@ Usage: tarvo-sim --com1 MODULE [--com1 MODULE]... [--com2 MODULE]... [options]
                puts a module on a port; several with different addresses share one when it is told again
   --link DIR   puts links com1 to com4 in DIR that lead to the ports; they go when the simulator ends
   --seed N     where counters and the like start (default 1); the same seed gives the same start
-  --still      no life: inputs, counters and the like stay as they are set
+  --still      no life: inputs, counters and the like stay as they are set, and no watchdog runs
   --help       this text
 
 MODULE is a model's name, then its options: NAME[:KEY=VALUE[,KEY=VALUE]...]
@@ -142,7 +142,8 @@ MODULE is a model's name, then its options: NAME[:KEY=VALUE[,KEY=VALUE]...]
                the module hears and answers on this line only (default 9600n81)
   fw=3         firmware release (default 3)
   40008=20     what a register holds at the start, decimal or after 0x; a register with a stored copy sets that too.
-               Address, speed and parity come from addr and line alone
+               Address, speed and parity come from addr and line alone. On jorun 40013 to 40016 take what comes in,
+               and a master reads there what span and zero make of it; a bit of 40012 from 12 on opens a wire
 Models:)" +
          models + "\n\n" + OrderHelp() + R"(
 Writing 1 to a module's reset register restarts it: it keeps silent for 0.3 s, then goes by what its EEPROM holds.

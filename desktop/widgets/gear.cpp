@@ -1,9 +1,9 @@
 #include "desktop/widgets/gear.h"
 
 #include <QPainter>
+#include <QSvgRenderer>
 #include <QTimerEvent>
-#include <cmath>
-#include <numbers>
+#include <algorithm>
 
 #include "desktop/colours.h"
 #include "desktop/widgets/measure.h"
@@ -13,35 +13,11 @@ namespace tarvo::desktop {
 namespace {
 
 constexpr int kTeeth = 9;
-/// So many steps lead from one tooth to the next, where the picture is the same again.
-constexpr int kSteps = 6;
 constexpr int kStepTime = 80;
-
-/// A gear of radius 1 around the origin.
-QPainterPath GearShape() {
-  QPolygonF outline;
-  const double tooth = 2 * std::numbers::pi / kTeeth;
-  const auto add = [&](double angle, double radius) {
-    outline << QPointF(radius * std::sin(angle), -radius * std::cos(angle));
-  };
-  for (int i = 0; i < kTeeth; ++i) {
-    const double middle = i * tooth;
-    add(middle - tooth * 0.30, 0.74);
-    add(middle - tooth * 0.17, 1.0);
-    add(middle + tooth * 0.17, 1.0);
-    add(middle + tooth * 0.30, 0.74);
-  }
-  QPainterPath shape;
-  shape.addPolygon(outline);
-  shape.closeSubpath();
-  QPainterPath hole;
-  hole.addEllipse(QPointF(0, 0), 0.32, 0.32);
-  return shape.subtracted(hole);
-}
 
 }  // namespace
 
-Gear::Gear(QWidget* parent) : QWidget(parent), shape_(GearShape()) {
+Gear::Gear(QWidget* parent) : QWidget(parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
@@ -64,14 +40,37 @@ QSize Gear::sizeHint() const {
   return {Em(*this, 1.5), Em(*this, 1.5)};
 }
 
+void Gear::Rewind() {
+  step_ = 0;
+  update();
+}
+
+void Gear::DrawSteps() {
+  const QColor tone = turning_ ? palette().color(QPalette::Highlight) : LineTone(palette());
+  const QSize wanted = size() * devicePixelRatio();
+  if (tone == tone_ && steps_.front().size() == wanted) return;
+  tone_ = tone;
+  QSvgRenderer drawing(QStringLiteral(":/gear.svg"));
+  for (int step = 0; step < kSteps; ++step) {
+    QPixmap picture(wanted);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(wanted.width() / 2.0, wanted.height() / 2.0);
+    painter.rotate(360.0 / kTeeth * step / kSteps);
+    const double side = std::min(wanted.width(), wanted.height());
+    drawing.render(&painter, QRectF(-side / 2, -side / 2, side, side));
+    painter.resetTransform();
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(picture.rect(), tone);
+    painter.end();
+    steps_[static_cast<std::size_t>(step)] = picture;
+  }
+}
+
 void Gear::paintEvent(QPaintEvent* /*event*/) {
-  QPainter painter(this);
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.translate(width() / 2.0, height() / 2.0);
-  const double radius = std::min(width(), height()) / 2.0 - 1;
-  painter.scale(radius, radius);
-  painter.rotate(360.0 / kTeeth * step_ / kSteps);
-  painter.fillPath(shape_, turning_ ? palette().color(QPalette::Highlight) : LineTone(palette()));
+  DrawSteps();
+  QPainter(this).drawPixmap(rect(), steps_[static_cast<std::size_t>(step_)]);
 }
 
 void Gear::timerEvent(QTimerEvent* event) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QBasicTimer>
-#include <QPainterPath>
+#include <QColor>
+#include <QPixmap>
 #include <QWidget>
+#include <array>
 
 namespace tarvo::desktop {
 
@@ -12,6 +14,8 @@ class Gear : public QWidget {
   explicit Gear(QWidget* parent);
 
   void SetTurning(bool turning);
+  /// Stands as at the start of its turn, so that two pictures of the same state are the same.
+  void Rewind();
 
   QSize sizeHint() const override;
 
@@ -22,9 +26,15 @@ class Gear : public QWidget {
   void hideEvent(QHideEvent* event) override;
 
  private:
-  void StartOrStop();
+  /// So many steps lead from one tooth to the next, where the picture is the same again.
+  static constexpr int kSteps = 6;
 
-  QPainterPath shape_;
+  void StartOrStop();
+  /// Draws the steps anew when size or colour is another than before.
+  void DrawSteps();
+
+  std::array<QPixmap, kSteps> steps_;
+  QColor tone_;
   QBasicTimer timer_;
   bool turning_ = false;
   int step_ = 0;

@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 
 #include "desktop/widgets/mark.h"
+#include "desktop/widgets/measure.h"
 #include "desktop/widgets/text_label.h"
 
 namespace tarvo::desktop {
@@ -11,7 +12,7 @@ MessageLine::MessageLine(QWidget* parent)
     : QWidget(parent), mark_(new Mark(this, Mark::Size::kSmall)), text_(new TextLabel(this)) {
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins({});
-  layout->setSpacing(0);
+  layout->setSpacing(Em(*this, 0.1));
   layout->addWidget(mark_);
   layout->addWidget(text_);
   QSizePolicy keepsItsRoom = mark_->sizePolicy();

@@ -30,7 +30,7 @@ QSize MeterBar::sizeHint() const {
 }
 
 QSize MeterBar::minimumSizeHint() const {
-  return {Em(*this, 4), Em(*this, 1)};
+  return {Em(*this, 2.5), Em(*this, 1)};
 }
 
 void MeterBar::paintEvent(QPaintEvent* /*event*/) {
@@ -42,7 +42,7 @@ void MeterBar::paintEvent(QPaintEvent* /*event*/) {
   const double radius = thickness / 4;
   QPainterPath shape;
   shape.addRoundedRect(groove, radius, radius);
-  painter.fillPath(shape, Mix(CardGround(palette()), palette().color(QPalette::WindowText), 0.1));
+  painter.fillPath(shape, Mix(CardGround(palette()), palette().color(QPalette::Active, QPalette::WindowText), 0.1));
   if (share_ <= 0) return;
 
   QColor tone = ToneOf(role_, palette());

@@ -2,8 +2,10 @@
 
 #include <QKeyEvent>
 #include <QStyleOptionButton>
+#include <QStyleOptionComboBox>
 #include <QStylePainter>
 #include <QWheelEvent>
+#include <algorithm>
 #include <utility>
 
 #include "desktop/widgets/measure.h"
@@ -44,8 +46,15 @@ OptionMark::OptionMark(QWidget* parent) : QRadioButton(parent) {
 }
 
 ListField::ListField(QWidget* parent) : QComboBox(parent) {
-  setSizeAdjustPolicy(QComboBox::AdjustToContents);
   setFocusPolicy(Qt::StrongFocus);
+}
+
+QSize ListField::sizeHint() const {
+  int widest = 0;
+  for (int i = 0; i < count(); ++i) widest = std::max(widest, fontMetrics().horizontalAdvance(itemText(i)));
+  QStyleOptionComboBox option;
+  initStyleOption(&option);
+  return style()->sizeFromContents(QStyle::CT_ComboBox, &option, {widest, fontMetrics().height()}, this);
 }
 
 void ListField::wheelEvent(QWheelEvent* event) {

@@ -48,6 +48,10 @@ class ListField : public QComboBox {
  public:
   explicit ListField(QWidget* parent);
 
+  /// Room for every entry. The toolkit's own way to it makes the widget jump for a moment when the list changes.
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override { return sizeHint(); }
+
  protected:
   /// A wheel that scrolls the page must not change a module's setting on its way.
   void wheelEvent(QWheelEvent* event) override;

@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -41,7 +42,7 @@ void PageLabel::paintEvent(QPaintEvent* /*event*/) {
   painter.setPen(Qt::NoPen);
   if (selected_) {
     // The page shown is told also while the list is locked, but quietly.
-    const QColor locked = Mix(CardGround(palette()), palette().color(QPalette::Active, QPalette::WindowText), 0.2);
+    const QColor locked = Mix(CardGround(palette()), palette().color(QPalette::Active, QPalette::Highlight), 0.2);
     painter.setBrush(isEnabled() ? palette().color(QPalette::Highlight) : locked);
     painter.drawRoundedRect(QRectF(rect()), radius, radius);
     text = isEnabled() ? palette().color(QPalette::HighlightedText)
@@ -61,6 +62,14 @@ void PageLabel::paintEvent(QPaintEvent* /*event*/) {
   painter.drawText(rect().adjusted(Em(*this, 1), 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text_);
 }
 
+namespace {
+
+bool Usable(const PageLabel* label) {
+  return !label->isHidden() && label->isEnabled();
+}
+
+}  // namespace
+
 PageList::PageList(QWidget* parent) : QScrollArea(parent), column_(new QWidget), layout_(new QVBoxLayout(column_)) {
   const int side = Em(*this, 0.5);
   layout_->setContentsMargins(side, side, side, side);
@@ -73,7 +82,13 @@ PageList::PageList(QWidget* parent) : QScrollArea(parent), column_(new QWidget),
   setWidget(column_);
   column_->setAutoFillBackground(false);
   viewport()->setAutoFillBackground(false);
-  setFixedWidth(Em(*this, 11));
+  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+}
+
+QSize PageList::sizeHint() const {
+  // With the bar that comes when the list is longer than the window is high.
+  const int widest = column_->sizeHint().width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+  return {std::max(widest, Em(*this, 7.5)), column_->sizeHint().height()};
 }
 
 void PageList::Add(PageLabel* label) {
@@ -84,15 +99,17 @@ void PageList::Add(PageLabel* label) {
 }
 
 void PageList::LabelsChanged() {
-  // Tab stops at one label: that of the page shown, else the first that can be clicked.
-  const auto usable = [](const PageLabel* label) { return !label->isHidden() && label->isEnabled(); };
-  auto stop = std::find_if(labels_.begin(), labels_.end(),
-                           [&](PageLabel* label) { return usable(label) && label->Selected(); });
-  if (stop == labels_.end()) stop = std::find_if(labels_.begin(), labels_.end(), usable);
+  updateGeometry();
+  const PageLabel* stop = Stop();
   for (PageLabel* label : labels_) {
-    const bool stops = stop != labels_.end() && label == *stop;
-    label->setFocusPolicy(stops || label->hasFocus() ? Qt::StrongFocus : Qt::ClickFocus);
+    label->setFocusPolicy(label == stop || label->hasFocus() ? Qt::StrongFocus : Qt::ClickFocus);
   }
+}
+
+PageLabel* PageList::Stop() const {
+  const auto shown = std::find_if(labels_.begin(), labels_.end(),
+                                  [](const PageLabel* label) { return Usable(label) && label->Selected(); });
+  return shown == labels_.end() ? UsableFrom(0, 1) : *shown;
 }
 
 bool PageList::eventFilter(QObject* watched, QEvent* event) {
@@ -100,11 +117,7 @@ bool PageList::eventFilter(QObject* watched, QEvent* event) {
   const auto label = std::find(labels_.begin(), labels_.end(), watched);
   if (label == labels_.end()) return QScrollArea::eventFilter(watched, event);
   if (event->type() == QEvent::KeyPress) {
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    if (key == Qt::Key_Down || key == Qt::Key_Up) {
-      Move(*label, key == Qt::Key_Down ? 1 : -1);
-      return true;
-    }
+    if (Move(*label, static_cast<QKeyEvent*>(event)->key())) return true;
   }
   if (event->type() == QEvent::FocusIn) ensureWidgetVisible(*label, 0, 0);
   if (event->type() == QEvent::FocusOut) LabelsChanged();
@@ -116,15 +129,37 @@ void PageList::paintEvent(QPaintEvent* /*event*/) {
   painter.fillRect(viewport()->rect(), CardGround(palette()));
 }
 
-void PageList::Move(const PageLabel* from, int direction) {
+PageLabel* PageList::UsableFrom(int place, int direction) const {
   const auto size = static_cast<int>(labels_.size());
-  auto place = static_cast<int>(std::find(labels_.begin(), labels_.end(), from) - labels_.begin()) + direction;
   for (; place >= 0 && place < size; place += direction) {
     PageLabel* label = labels_[static_cast<std::size_t>(place)];
-    if (label->isHidden() || !label->isEnabled()) continue;
-    label->setFocus(direction > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    return;
+    if (Usable(label)) return label;
   }
+  return nullptr;
+}
+
+bool PageList::Move(const PageLabel* from, int key) {
+  const auto place = static_cast<int>(std::find(labels_.begin(), labels_.end(), from) - labels_.begin());
+  PageLabel* to = nullptr;
+  switch (key) {
+    case Qt::Key_Down:
+      to = UsableFrom(place + 1, 1);
+      break;
+    case Qt::Key_Up:
+      to = UsableFrom(place - 1, -1);
+      break;
+    case Qt::Key_Home:
+      to = UsableFrom(0, 1);
+      break;
+    case Qt::Key_End:
+      to = UsableFrom(static_cast<int>(labels_.size()) - 1, -1);
+      break;
+    default:
+      return false;
+  }
+  if (to != nullptr)
+    to->setFocus(key == Qt::Key_Up || key == Qt::Key_Home ? Qt::BacktabFocusReason : Qt::TabFocusReason);
+  return true;
 }
 
 }  // namespace tarvo::desktop

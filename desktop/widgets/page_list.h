@@ -40,12 +40,22 @@ class PageList : public QScrollArea {
   /// To be called when labels were shown, hidden, selected, enabled or disabled.
   void LabelsChanged();
 
+  /// The label at which Tab stops: that of the page shown, else the first that can be clicked; null when none can.
+  PageLabel* Stop() const;
+
+  /// As wide as its widest label.
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override { return {sizeHint().width(), 0}; }
+
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void Move(const PageLabel* from, int direction);
+  /// The next label that can be clicked, from `place` on in `direction`; null when there is none.
+  PageLabel* UsableFrom(int place, int direction) const;
+  /// Moves the focus as `key` says; false when it is no such key.
+  bool Move(const PageLabel* from, int key);
 
   QWidget* column_;
   QVBoxLayout* layout_;

@@ -24,15 +24,19 @@ void TextLabel::SetText(const QString& text) {
   if (text_ == text) return;
   text_ = text;
   const QSize size = TextSize();
-  if (size.width() > largest_.width() || size.height() > largest_.height()) {
+  if (givesWay_ && size != largest_) {
+    largest_ = size;
+    updateGeometry();
+  } else if (size.width() > largest_.width() || size.height() > largest_.height()) {
     largest_ = largest_.expandedTo(size);
     updateGeometry();
   }
   update();
 }
 
-void TextLabel::GiveWay() {
+void TextLabel::GiveWay(Qt::TextElideMode where) {
   givesWay_ = true;
+  cut_ = where;
   updateGeometry();
 }
 
@@ -57,7 +61,7 @@ void TextLabel::paintEvent(QPaintEvent* /*event*/) {
     DrawTabular(painter, rect(), alignNumbers_ ? Qt::AlignRight : Qt::AlignLeft, text_);
     return;
   }
-  const QString shown = givesWay_ ? fontMetrics().elidedText(text_, Qt::ElideRight, width()) : text_;
+  const QString shown = givesWay_ ? fontMetrics().elidedText(text_, cut_, width()) : text_;
   painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter, shown);
 }
 

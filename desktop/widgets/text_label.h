@@ -4,7 +4,7 @@
 
 namespace tarvo::desktop {
 
-/// A text that is only shown. Digits are tabular; its room grows with its text and never shrinks.
+/// A text that is only shown. Digits are tabular; its room grows with its text and never shrinks, unless it gives way.
 class TextLabel : public QWidget {
  public:
   enum class Look { kPlain, kQuiet, kTitle };
@@ -15,8 +15,9 @@ class TextLabel : public QWidget {
   void SetText(const QString& text);
   /// Numbers stand at the right edge, as in a table.
   void AlignNumbers() { alignNumbers_ = true; }
-  /// Gives way in a narrow place: then the end of the text is cut, and the tool tip shows it whole.
-  void GiveWay();
+  /// Gives way in a narrow place: then the text is cut there, and the tool tip shows it whole. Its room follows its
+  /// text.
+  void GiveWay(Qt::TextElideMode where = Qt::ElideRight);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
@@ -33,6 +34,7 @@ class TextLabel : public QWidget {
   Look look_;
   bool alignNumbers_ = false;
   bool givesWay_ = false;
+  Qt::TextElideMode cut_ = Qt::ElideRight;
   QSize largest_;
 };
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 
 #include "bus/line_settings.h"
 #include "core/fault.h"
@@ -49,8 +50,11 @@ class PortOpener {
 
   virtual ~PortOpener() = default;
   /// Faults: "Device not found" (no device behind the number, or the device is not there), "Permission denied",
-  /// "Port already open" (held by this or another program), "Device unavailable" (anything else).
+  /// "Port already open" (held by this or another program), "Device unavailable" (anything else). The fault's advice
+  /// says to the user why, and what to do.
   virtual Opened Open(int comPort, const LineSettings& line) = 0;
+  /// What stands behind the number, for the user: "/dev/ttyUSB0 - FT232R USB UART". Empty when nothing does.
+  virtual std::string DescriptionOf(int /*comPort*/) { return {}; }
 };
 
 }  // namespace tarvo::bus

@@ -3,21 +3,25 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace tarvo::core {
 
 /// A run-time fault as the user reads it: `what()` is the description that a message box shows.
 class Fault : public std::runtime_error {
  public:
-  explicit Fault(const std::string& description, long number = 0, std::string source = {})
-      : std::runtime_error(description), number_(number), source_(std::move(source)) {}
+  explicit Fault(const std::string& description, long number = 0, std::string source = {}, std::string advice = {})
+      : std::runtime_error(description), number_(number), source_(std::move(source)), advice_(std::move(advice)) {}
 
   long Number() const { return number_; }
   const std::string& Source() const { return source_; }
+  /// The reason and what the user can do, a plain sentence or two; empty when `what()` is all that is known.
+  const std::string& Advice() const { return advice_; }
 
  private:
   long number_;
   std::string source_;
+  std::string advice_;
 };
 
 inline constexpr char kFileNotFound[] = "File not found";

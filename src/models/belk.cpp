@@ -3,11 +3,10 @@
 #include <optional>
 
 #include "pages/meter_percent.h"
-#include "pages/number_text.h"
+#include "state/number_text.h"
 
 namespace tarvo::models {
 
-using pages::BitChange;
 using state::Word;
 using namespace state::literals;
 
@@ -18,14 +17,12 @@ constexpr pages::PageIdentity kIdentity = {
     .model = "Belk",
     .window = "Belk",
     .code = 0x01,
-    .pollRegister = Belk::kStatus,
-    .pollCount = 9,
+    .poll = {Belk::kStatus, 9},
     .runKind = 1,
     .pollFormat = 0,
+    .reset = "40011"_reg,
+    .keepsCopies = true,
 };
-
-constexpr unsigned kParityOn = 0x0008;
-constexpr unsigned kParityOdd = 0x0010;
 
 constexpr unsigned InputBit(int input) {
   return 0x0001U << input;
@@ -66,38 +63,37 @@ Belk::Belk(pages::PageContext& context)
           {CheckBelk2, kFlags, 0x0001, 0xFFFE},
           {CheckBelk4, kFlags, 0x0002, 0xFFFD},
           {CheckBelk5, kFlags, 0x0004, 0xFFFB},
-          {CheckBelk6, kFlags, kParityOn, 0xFFF7},
+          {CheckBelk6, kFlags, 0x0008, 0xFFF7},
           {CheckBelk3, kFlags, 0x0020, 0xFFDF},
           {CheckBelk1, kFlags, 0x0080, 0xFF7F},
+      }}),
+      images_({{
+          {"40072"_reg, [this] { return state::ToWord(FilterBelk.Caption()); }},
+          {"40073"_reg, [this] { return Copy(kFlags); }},
+          {"40074"_reg, [this] { return pages::AddressWord(AddressBelk, BaudBelk); }},
+      }}),
+      fields_({{
+          {TextField(FilterBelk).write, ToCopy(kFilter)},
+          {FromCopy(kFlags), ToCopy(kFlags)},
+          {AddressField(AddressBelk, BaudBelk).write, ToCopy(kCommunication)},
       }}) {
   for (view::ARMetor& bar : BargBelk) {
-    bar.Caption = "";
-    bar.FillColor = view::kBarBlue;
-    bar.SetPercent(0);
+    pages::MakeBar(bar);
   }
 
   BindFlags(flags_);
   LabelFASTBelk.Visible = false;
   CheckBelk1.OnChange = [this] { LabelFASTBelk.Visible = CheckBelk1.Value() != 0; };
 
-  OptionBelk1.Value = true;
-  OptionBelk1.Enabled = false;
-  OptionBelk2.Enabled = false;
-  CheckBelk6.OnChange = [this] {
-    OptionBelk1.Enabled = CheckBelk6.Value() != 0;
-    OptionBelk2.Enabled = CheckBelk6.Value() != 0;
-  };
-  OptionBelk1.OnClick = [this] { return ChangeRegister(kFlags, BitChange{.andMask = 0xFFEF}); };
-  OptionBelk2.OnClick = [this] { return ChangeRegister(kFlags, BitChange{.orMask = kParityOdd}); };
-
+  BindParity(CheckBelk6, OptionBelk1, OptionBelk2, kFlags);
   for (int i = 0; i < kInputs; ++i) {
     const auto at = static_cast<std::size_t>(i);
     const unsigned keep = 0xFFFF & ~OverflowBit(i);
-    OverFlowIN[at].OnClick = [this, keep] { return ChangeRegister(kStatus, BitChange{.andMask = keep}); };
+    OverFlowIN[at].OnClick = [this, keep] { return ChangeRegister(kStatus, pages::Keeping(keep)); };
     TotIN[at].OnClick = [this, i] { return TotINClick(i); };
   }
-  FilterBelk.OnClick = [this] { return EditSetting(FilterBelk, 1, 254); };
-  AddressBelk.OnClick = [this] { return EditSetting(AddressBelk, 1, 255); };
+  BindEdit(FilterBelk, 1, 254);
+  BindEdit(AddressBelk, 1, 255);
 }
 
 // What Start, the poll and the search do.
@@ -109,14 +105,11 @@ void Belk::Load() {
 
 void Belk::CheckFWVersion(int release) {
   Firmware.Caption = "FW. Release: " + std::to_string(release);
-  if (release >= kReleaseOfSevenRates) {
-    pages::ShowSevenRates(BaudBelk);
-  } else {
-    pages::ShowFiveRates(BaudBelk);
-  }
+  pages::ShowRates(BaudBelk, release >= kReleaseOfSevenRates);
 }
 
-void Belk::EnableByFirmware(int release) {
+core::Task<> Belk::ApplyFirmware(int release) {
+  CheckFWVersion(release);
   const bool enabled = release >= kReleaseOfParity;
   CheckBelk3.Enabled = enabled;
   CheckBelk4.Enabled = enabled;
@@ -124,33 +117,26 @@ void Belk::EnableByFirmware(int release) {
   CheckBelk6.Enabled = enabled;
   OptionBelk1.Enabled = enabled;
   OptionBelk2.Enabled = enabled;
+  co_return;
 }
 
 core::Task<> Belk::ManageBelk() {
-  ManageContinueBelk();
+  ShowPolled();
   FilterBelk.Caption = std::to_string(Polled(kFilter).Unsigned());
   ShowCommunication(Polled(kCommunication));
   co_return;
 }
 
 // The filter, the address and the baud rate stay as the user edited them until they are written.
-void Belk::ManageContinueBelk() {
+core::Task<> Belk::ManageContinueBelk() {
+  ShowPolled();
+  co_return;
+}
+
+void Belk::ShowPolled() {
   ShowStatus(Polled(kStatus));
   for (int i = 0; i < kInputs; ++i) ShowCounter(i, Polled(kCounter1 + i));
   ShowFlags(Polled(kFlags));
-}
-
-core::Task<> Belk::ReadEEPromFlags() {
-  const pages::Hourglass hourglass(Context());
-  const bool opens = !ModCom1.PortOpen();
-  if (opens) {
-    SetupModcomOCX();
-    // A port that does not open shows as an identity that is not read.
-    (void)ModCom1.SetPortOpen(true);
-  }
-  const std::optional<Word> identity = co_await ReadOne("40001"_reg);
-  if (identity && identity->High() == kIdentity.code) co_await ShowRegisters();
-  if (opens) (void)ModCom1.SetPortOpen(false);
 }
 
 core::Task<> Belk::ShowRegisters() {
@@ -165,7 +151,7 @@ core::Task<> Belk::ShowRegisters() {
   const std::optional<Word> flags = co_await ReadOne(kFlags);
   if (!flags) co_return;
   // Kept, so that a commit before the first session stores the module's own flags.
-  Polled(kFlags) = *flags;
+  Copy(kFlags) = *flags;
   ShowFlags(*flags);
 }
 
@@ -183,17 +169,15 @@ void Belk::ShowCounter(int input, Word counter) {
   pages::ShowPercent(BargBelk[at], counter.Unsigned() * 100.0 / kFullCounter);
 }
 
-void Belk::ShowFlags(Word flags) {
-  for (const pages::Flag& flag : flags_) flag.box.Value = flags.Has(flag.setMask) ? 1 : 0;
-  // Said again whatever the box showed before: the flag overrules what the firmware's release has disabled.
-  OptionBelk1.Enabled = flags.Has(kParityOn);
-  OptionBelk2.Enabled = flags.Has(kParityOn);
-  (flags.Has(kParityOdd) ? OptionBelk2 : OptionBelk1).Value = true;
-}
-
 void Belk::ShowCommunication(Word communication) {
   AddressBelk.Caption = std::to_string(communication.Low());
   BaudBelk.SelectCode(communication.High());
+}
+
+// A file has no live values.
+void Belk::FieldsComing() {
+  Copy(kStatus) = Word(0);
+  for (int i = 0; i < kInputs; ++i) Copy(kCounter1 + i) = Word(0);
 }
 
 // What the user does.
@@ -203,12 +187,7 @@ core::Task<> Belk::TotINClick(int input) {
   const std::optional<std::string> value = co_await Context().changeValue.AskFor(0, 65535);
   if (!value) co_return;
   TotIN[static_cast<std::size_t>(input)].Caption = *value;
-  co_await WriteLive(kCounter1 + input, pages::ToWord(*value));
-}
-
-core::Task<> Belk::EditSetting(view::Label& setting, int minimum, int maximum) {
-  const std::optional<std::string> value = co_await Context().changeValue.AskFor(minimum, maximum);
-  if (value) setting.Caption = *value;
+  co_await WriteLive(kCounter1 + input, state::ToWord(*value));
 }
 
 void Belk::BelkEnableControls(bool enabled) {
@@ -232,10 +211,8 @@ view::Node Belk::Arrangement() const {
                                 view::Show(BargBelk[at]), view::Show(OverFlowIN[at])}));
   }
   return view::Column({
-      view::Head(
-          "Belk", "Five digital inputs with counters",
-          {view::Show(Firmware), view::Show(Message), view::Show(MediaPlayer1), view::Show(Start), view::Show(Stop)}),
-      view::Frame("Inputs", view::Table({"", "Input", "Counter", "", "Overflow"}, std::move(inputs))),
+      HeadLine("Five digital inputs with counters"),
+      view::Frame("Inputs", view::Table({"", "Input", "Counter"}, std::move(inputs))),
       view::Row({
           view::Frame("Flags",
                       view::Row({
@@ -250,6 +227,7 @@ view::Node Belk::Arrangement() const {
                                 })),
       }),
       view::Space(),
+      Foot(),
   });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 
 #include "pages/baud_list.h"
@@ -52,32 +53,36 @@ class Belk : public pages::DevicePage {
 
   void Load() override;
   void CheckFWVersion(int release) override;
-  core::Task<> ReadEEPromFlags() override;
   /// Enables or disables all that edits.
   void BelkEnableControls(bool enabled);
 
+  pages::FileFormat Files() const override { return {.word = "Belk", .updated = "Belk", .fields = fields_}; }
   view::Node Arrangement() const override;
 
  protected:
-  void EnableByFirmware(int release) override;
+  core::Task<> ApplyFirmware(int release) override;
   core::Task<> ManageFirst() override { return ManageBelk(); }
-  void ManageContinue() override { ManageContinueBelk(); }
+  core::Task<> ManageContinue() override { return ManageContinueBelk(); }
+  std::span<const pages::ImageWrite> ImageWrites() const override { return images_; }
+  core::Task<> ShowRegisters() override;
+  void FieldsComing() override;
+  core::Task<> SetupFormFromFile() override { return ManageBelk(); }
 
  private:
   core::Task<> ManageBelk();
-  void ManageContinueBelk();
-  /// Reads the registers one by one and shows each that was read.
-  core::Task<> ShowRegisters();
+  core::Task<> ManageContinueBelk();
+  void ShowPolled();
 
   void ShowStatus(state::Word status);
   void ShowCounter(int input, state::Word counter);
-  void ShowFlags(state::Word flags);
+
   void ShowCommunication(state::Word communication);
 
   core::Task<> TotINClick(int input);
-  core::Task<> EditSetting(view::Label& setting, int minimum, int maximum);
 
   const std::array<pages::Flag, 6> flags_;
+  const std::array<pages::ImageWrite, 3> images_;
+  const std::array<pages::FileField, 3> fields_;
 };
 
 }  // namespace tarvo::models

@@ -1,18 +1,26 @@
 #include "pages/baud_list.h"
 
+#include <span>
+
+#include "state/number_text.h"
+
 namespace tarvo::pages {
 
-void ShowSevenRates(view::ComboBox& combo) {
-  const int code = combo.SelectedCode();
-  const bool selected = combo.ListIndex() >= 0;
-  combo.SetRows(kSevenRates);
-  if (selected) combo.SelectCode(code);
+state::Word AddressWord(const view::Label& address, const view::ComboBox& baud) {
+  return state::ToWord(address.Caption()).Or(static_cast<unsigned>(baud.SelectedCode()) << 8);
 }
 
-void ShowFiveRates(view::ComboBox& combo) {
+void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud) {
+  address.Caption = std::to_string(word.Low());
+  baud.SelectCode(word.And(0x0700).High());
+}
+
+void ShowRates(view::ComboBox& combo, bool seven) {
   const int code = combo.SelectedCode();
-  combo.SetRows(kFiveRates);
-  if (combo.ListIndex() >= static_cast<int>(kFiveRates.size())) combo.SelectCode(code);
+  const bool selected = combo.ListIndex() >= 0;
+  combo.SetRows(seven ? std::span<const view::ListRow>(kSevenRates) : kFiveRates);
+  const bool positionStays = !seven && combo.ListIndex() < static_cast<int>(kFiveRates.size());
+  if (selected && !positionStays) combo.SelectCode(code);
 }
 
 }  // namespace tarvo::pages

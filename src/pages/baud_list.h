@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "state/word.h"
 #include "view/control.h"
 
 namespace tarvo::pages {
@@ -13,9 +14,15 @@ inline constexpr std::array<view::ListRow, 5> kFiveRates = {
 inline constexpr std::array<view::ListRow, 7> kSevenRates = {
     {{"1200", 6}, {"2400", 7}, {"4800", 0}, {"9600", 1}, {"19200", 2}, {"38400", 3}, {"57600", 4}}};
 
-/// Makes the list the seven rates; the selected code stays.
-void ShowSevenRates(view::ComboBox& combo);
-/// Makes the list the five rates; the selected position stays while it exists, else the selected code.
-void ShowFiveRates(view::ComboBox& combo);
+/// The address word: the address that `address` shows, and the selected baud code in the high byte.
+state::Word AddressWord(const view::Label& address, const view::ComboBox& baud);
+
+/// Shows an address word: its low byte in `address`, and in `baud` the entry whose code stands in bits 8 to 10. When
+/// no entry has the code, the selection stays.
+void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud);
+
+/// Makes the list the seven rates, or the five. With seven the selected code stays; with five the selected position
+/// while it exists, else the selected code.
+void ShowRates(view::ComboBox& combo, bool seven);
 
 }  // namespace tarvo::pages

@@ -1,6 +1,6 @@
 #include "pages/change_value.h"
 
-#include "pages/number_text.h"
+#include "state/number_text.h"
 #include "view/screen.h"
 
 namespace tarvo::pages {
@@ -29,8 +29,8 @@ void ChangeValue::Load() {
 }
 
 core::Task<> ChangeValue::OkClick() {
-  if (IsNumeric(Text1.Text())) {
-    const std::int32_t value = ToInteger(Text1.Text());
+  if (state::IsNumeric(Text1.Text())) {
+    const std::int32_t value = state::ToInteger(Text1.Text());
     // A value out of bounds is replaced by the bound and shown: the user accepts that with a second OK.
     if (value > state_.ChangeValueMax) {
       Text1.Text = std::to_string(state_.ChangeValueMax);

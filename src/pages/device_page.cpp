@@ -2,7 +2,11 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "pages/baud_list.h"
+#include "state/number_text.h"
+#include "view/hourglass.h"
 #include "view/screen.h"
 
 namespace tarvo::pages {
@@ -13,11 +17,23 @@ using namespace state::literals;
 
 namespace {
 
-std::string Named(std::string_view prefix, std::string_view model) {
-  return std::string(prefix) + std::string(model);
+/// The name of a page's control: the usual one, unless the page has another.
+std::string Named(std::string_view prefix, std::string_view model, std::string_view other = {}) {
+  return other.empty() ? std::string(prefix) + std::string(model) : std::string(other);
 }
 
+constexpr unsigned kParityOn = 0x0008;
+constexpr unsigned kParityOdd = 0x0010;
+
 }  // namespace
+
+Change Setting(unsigned mask) {
+  return [mask](Word word) { return word.Or(mask); };
+}
+
+Change Keeping(unsigned mask) {
+  return [mask](Word word) { return word.And(mask); };
+}
 
 /// Holds the two timers of a session. The last of several that are under way lets them go on, unless the session in
 /// which they were stopped is over.
@@ -39,25 +55,48 @@ class DevicePage::PollPause {
   int session_;
 };
 
+/// Holds the two buttons that reach the EEPROM or restart the module.
+class DevicePage::DeedPause {
+ public:
+  explicit DeedPause(DevicePage& page) : page_(page) { Enable(false); }
+  DeedPause(const DeedPause&) = delete;
+  DeedPause& operator=(const DeedPause&) = delete;
+  ~DeedPause() { Enable(true); }
+
+ private:
+  void Enable(bool enabled) {
+    page_.WEEP.Enabled = enabled;
+    page_.Reset.Enabled = enabled;
+  }
+
+  DevicePage& page_;
+};
+
 DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
     : Window(context.screen, identity.window, identity.model),
       Start(*this, Named("Start", identity.model), "&Start", "Start Communication"),
       Stop(*this, Named("Stop", identity.model), "S&top", "Stop Communication"),
+      WEEP(*this, Named("WEEP", identity.model, identity.weepName), "&Write EEprom"),
+      Reset(*this, Named("Reset", identity.model, identity.resetName), "Module &Reset"),
       Message(*this, Named("Message", identity.model)),
       Firmware(*this, Named("Firmw", identity.model), "Firmware rel:"),
-      Ingranaggi(*this, "Ingranaggi1"),
+      Ingranaggi(*this, identity.gears, "", -1, view::ImageBox::Album::kGears),
       TimerLetturaSeriale(*this, "TimerLetturaSeriale", 50),
       ModCom1(*this, "ModCom1", context.ports),
       context_(context),
-      identity_(identity) {
+      identity_(identity),
+      block_(identity.poll) {
   Start.OnClick = [this] { return StartClick(); };
   Stop.OnClick = [this] { return StopClick(); };
+  WEEP.OnClick = [this] { return WEEPClick(); };
+  Reset.OnClick = [this] { return ResetClick(); };
   TimerLetturaSeriale.OnTimer = [this] { return context_.table.LeggiModulo(); };
   TimerGestioneLetture.OnTimer = [this] { return Decode(); };
   TimerIngranaggi.OnTimer = [this] { return TurnGears(); };
   MediaPlayer1.OnEnd = [this] {
     if (InSession()) PrepareClip(true);
   };
+  if (identity.hasTimerControllo) TimerControllo.emplace(*this, "TimerControllo", 250);
   context_.table.Add(*this);
 }
 
@@ -65,63 +104,82 @@ DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
 
 core::Task<> DevicePage::StartClick() {
   if (ModCom1.PortOpen() || State().StartComm != state::kFalse) co_return;
-  const Hourglass hourglass(context_);
+  const view::Hourglass hourglass(context_.screen);
   const int session = ++session_;
   const auto over = [this, session] { return session != session_; };
 
-  State().PollRegister = identity_.pollRegister;
-  State().PollCount = identity_.pollCount;
+  SetPollBlock(identity_.poll);
   ModCom1.CommPort = State().PCPort;
   ModCom1.Settings = State().PCSettings;
   ModCom1.LinkParamA = 3;
   ModCom1.LinkParamB = 3;
   ModCom1.ModuleAddr = State().ModuleAddress;
   // A port that does not open shows as an identity that is not read.
-  (void)ModCom1.SetPortOpen(true);
+  OpenPort();
 
   Word identity;
   co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
   co_await ModCom1.Free();
   if (over()) co_return;
   if (identity.High() != identity_.code) {
-    std::string text = "ERROR! Module is not " + std::string(identity_.model) + " or communication failed";
-    co_await context_.screen.MsgBox(std::move(text), view::Icon::kCritical);
+    co_await SayWrongModule();
     co_await TakeDown();
     co_return;
   }
 
   const int release = identity.Low();
-  CheckFWVersion(release);
-  EnableByFirmware(release);
+  co_await ApplyFirmware(release);
+  if (over()) co_return;
   PrepareClip(true);
-  Firmware.Caption = "Firmware rel: " + std::to_string(release);
+  Firmware.Caption = std::string(identity_.firmware) + std::to_string(release);
   State().ReadStep = 0;
   State().StartComm = state::kTrue;
+  Starting();
   pauses_ = 0;
   {
     // Until all is shown once, a handler of a control that ends meanwhile does not start the timers.
     const PollPause pause(*this);
     co_await context_.table.LeggiModulo();
-    if (over()) {
-      UndoStart();
-      co_return;
+    if (!over()) co_await ManageFirst();
+    if (!over() && identity_.pollAfter) {
+      SetPollBlock(*identity_.pollAfter);
+      co_await context_.table.LeggiModulo();
+      if (!over()) co_await ManageSecond();
     }
-    co_await ManageFirst();
-    if (over()) {
-      UndoStart();
-      co_return;
-    }
+  }
+  if (over()) {
+    UndoStart();
+    co_return;
   }
   // The message label shows what the first poll gave.
   State().RunKind = identity_.runKind;
   context_.table.DeselectStart();
+  if (!identity_.connected.empty()) {
+    context_.status.connection.Text = ConnectionLine(identity_.connected, ModCom1);
+  }
   context_.navigation.DisableNavigation();
+  Started();
 }
 
-/// After Stop, or when the page was left before the session stood.
+core::Task<> DevicePage::ApplyFirmware(int release) {
+  CheckFWVersion(release);
+  co_return;
+}
+
+core::Task<> DevicePage::ManageSecond() {
+  co_return;
+}
+
+core::Task<> DevicePage::SayWrongModule() {
+  std::string text = "ERROR! Module is not " + std::string(identity_.model) + " or communication failed";
+  co_await context_.screen.MsgBox(std::move(text), view::Icon::kCritical);
+}
+
+/// The session was ended, or its page left, before it stood.
 void DevicePage::UndoStart() {
   MediaPlayer1.Playing = false;
   State().StartComm = state::kFalse;
+  Stopping();
   context_.table.ReselectStart();
 }
 
@@ -137,6 +195,8 @@ core::Task<> DevicePage::TakeDown() {
 core::Task<> DevicePage::StopClick() {
   if (!InSession()) co_return;
   ++session_;
+  State().StartComm = state::kFalse;
+  Stopping();
   co_await TakeDown();
   context_.navigation.EnableNavigation();
   MediaPlayer1.Playing = false;
@@ -150,8 +210,7 @@ core::Task<> DevicePage::Poll() {
 }
 
 core::Task<> DevicePage::Decode() {
-  ManageContinue();
-  co_return;
+  return ManageContinue();
 }
 
 core::Task<> DevicePage::TurnGears() {
@@ -169,15 +228,119 @@ void DevicePage::DisableTimers() {
   TimerLetturaSeriale.Enabled = false;
 }
 
-// The bus for a model's handlers.
+// Commit and reset.
 
-Word& DevicePage::Polled(Register source) {
-  return State().PollBuffer.at(static_cast<std::size_t>(source - identity_.pollRegister));
+core::Task<> DevicePage::WEEPClick() {
+  // Outside a session an open port is that of a Start or of a reading under way.
+  if (!InSession() && ModCom1.PortOpen()) co_return;
+  const view::Hourglass hourglass(context_.screen);
+  const DeedPause deeds(*this);
+  if (InSession()) {
+    const PollPause pause(*this);
+    co_await ModCom1.Free();
+    co_await WriteImages();
+    co_await Committed();
+    co_return;
+  }
+  SetPollBlock(identity_.poll);
+  const bool onModule = co_await OpenOnModule();
+  if (!onModule) co_return;
+  const PortClose closes(*this);
+  co_await WriteImages();
 }
 
-core::Task<> DevicePage::ChangeRegister(Register target, BitChange change) {
+core::Task<> DevicePage::WriteImages() {
+  const std::span<const ImageWrite> writes = ImageWrites();
+  std::vector<Word> values;
+  values.reserve(writes.size());
+  for (const ImageWrite& write : writes) values.push_back(write.value());
+  for (std::size_t i = 0; i < writes.size(); ++i) {
+    co_await ModCom1.WritePLC(writes[i].image, values[i]);
+    co_await ModCom1.Free();
+  }
+  co_await context_.screen.MsgBox("EEProm updated! Please reset module to apply changes.", view::Icon::kInformation);
+}
+
+core::Task<> DevicePage::Committed() {
+  co_return;
+}
+
+core::Task<> DevicePage::ResetClick() {
+  if (!InSession() && ModCom1.PortOpen()) co_return;
+  const view::Hourglass hourglass(context_.screen);
+  const DeedPause deeds(*this);
+  if (InSession()) {
+    co_await ResetInSession();
+  } else {
+    co_await ResetOutOfSession();
+  }
+}
+
+core::Task<> DevicePage::ResetInSession() {
+  DisableTimers();
+  co_await ModCom1.Free();
+  // A Stop that waited longer has ended the session meanwhile.
+  if (!InSession()) co_return;
+  ++session_;
+  State().StartComm = state::kFalse;
+  co_await ModCom1.WritePLC(identity_.reset, Word(1));
+  ClosePort();
+  TimerIngranaggi.Enabled = false;
+  context_.table.ReselectStart();
+  context_.navigation.EnableNavigation();
+  // A clip that comes to its end is not started again; the gear has none.
+  MediaPlayer1.Playing = false;
+  co_await context_.screen.MsgBox("Module is Resetted! Comunication Stopped", view::Icon::kInformation);
+  DisableTimers();
+}
+
+core::Task<> DevicePage::ResetOutOfSession() {
+  const bool onModule = co_await OpenOnModule();
+  if (!onModule) co_return;
+  const PortClose closes(*this);
+  State().StartComm = state::kFalse;
+  co_await ModCom1.WritePLC(identity_.reset, Word(1));
+  TimerIngranaggi.Enabled = false;
+  context_.table.ReselectStart();
+  co_await context_.screen.MsgBox("Module is Resetted!", view::Icon::kInformation);
+}
+
+/// Opens the port outside a session and checks the identity. When it is another's, says so, closes the port and gives
+/// false.
+core::Task<bool> DevicePage::OpenOnModule() {
+  SetupModcomOCX();
+  // A port that does not open shows as an identity that is not read.
+  OpenPort();
+  Word identity;
+  co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
+  co_await ModCom1.Free();
+  if (identity.High() == identity_.code) co_return true;
+  co_await SayWrongModule();
+  State().StartComm = state::kFalse;
+  co_await ModCom1.Free();
+  ClosePort();
+  co_return false;
+}
+
+// The bus for a model's handlers.
+
+void DevicePage::SetPollBlock(const PollBlock& block) {
+  block_ = block;
+  State().PollRegister = block.first;
+  State().PollCount = block.count;
+}
+
+Word DevicePage::Polled(Register source) const {
+  return context_.state.PollBuffer.at(static_cast<std::size_t>(source - block_.first));
+}
+
+Word& DevicePage::Copy(Register source) {
+  return State().PollBuffer.at(static_cast<std::size_t>(source - identity_.poll.first));
+}
+
+core::Task<> DevicePage::ChangeRegister(Register target, Change change) {
   if (!InSession()) {
-    Polled(target) = change.Of(Polled(target));
+    if (identity_.keepsCopies) Copy(target) = change(Copy(target));
     co_return;
   }
   const PollPause pause(*this);
@@ -186,7 +349,16 @@ core::Task<> DevicePage::ChangeRegister(Register target, BitChange change) {
   co_await ModCom1.ReadPLC(target, value, 1, bus::kFormat);
   co_await ModCom1.Free();
   // Also after a read that failed: the write then starts from 0, which is meant.
-  co_await WriteAndKeep(target, change.Of(value));
+  co_await WriteAndKeep(target, change(value));
+}
+
+core::Task<> DevicePage::WithPollHeld(core::Task<> work) {
+  if (!InSession()) {
+    co_await std::move(work);
+    co_return;
+  }
+  const PollPause pause(*this);
+  co_await std::move(work);
 }
 
 core::Task<> DevicePage::WriteLive(Register target, Word value) {
@@ -207,19 +379,57 @@ core::Task<> DevicePage::WriteAndKeep(Register target, Word value) {
 }
 
 void DevicePage::BindFlags(std::span<const Flag> flags) {
+  TieFlags(flags);
   for (const Flag& flag : flags) {
     flag.box.OnPress = [this, &flag] { return PressFlag(flag); };
   }
 }
 
 core::Task<> DevicePage::PressFlag(const Flag& flag) {
-  BitChange change;
-  if (flag.box.Value() == 0) {
-    change.orMask = flag.setMask;
-  } else {
-    change.andMask = flag.clearMask;
-  }
-  return ChangeRegister(flag.target, change);
+  return ChangeRegister(flag.target, flag.box.Value() == 0 ? Setting(flag.setMask) : Keeping(flag.clearMask));
+}
+
+void DevicePage::BindParity(view::CheckBox& on, view::OptionButton& even, view::OptionButton& odd, Register target) {
+  parity_ = {&on, &even, &odd};
+  even.Value = true;
+  EnableParity(false);
+  on.OnChange = [this] { EnableParity(parity_.on->Value() != 0); };
+  even.OnClick = [this, target] { return ChangeRegister(target, Keeping(0xFFFF & ~kParityOdd)); };
+  odd.OnClick = [this, target] { return ChangeRegister(target, Setting(kParityOdd)); };
+}
+
+void DevicePage::EnableParity(bool enabled) {
+  const bool changeable = enabled && !ParityLocked();
+  parity_.even->Enabled = changeable;
+  parity_.odd->Enabled = changeable;
+}
+
+void DevicePage::ShowFlags(Word flags) {
+  for (const Flag& flag : flags_) flag.box.Value = flags.Has(flag.setMask) ? 1 : 0;
+  if (parity_.on == nullptr) return;
+  // Said again whatever the box showed before: the flag overrules what the firmware's release has disabled.
+  EnableParity(flags.Has(kParityOn));
+  (flags.Has(kParityOdd) ? parity_.odd : parity_.even)->Value = true;
+}
+
+Word DevicePage::FlagsShown() const {
+  Word flags;
+  for (const Flag& flag : flags_) flags = flags.Or(flag.box.Value() != 0 ? flag.setMask : 0);
+  return parity_.odd != nullptr && parity_.odd->Value() ? flags.Or(kParityOdd) : flags;
+}
+
+void DevicePage::BindEdit(view::Label& value, int minimum, int maximum) {
+  value.OnClick = [this, &value, minimum, maximum] { return EditClick(value, minimum, maximum); };
+}
+
+core::Task<bool> DevicePage::EditValue(view::Label& value, int minimum, int maximum) {
+  const std::optional<std::string> accepted = co_await context_.changeValue.AskFor(minimum, maximum);
+  if (accepted) value.Caption = *accepted;
+  co_return accepted.has_value();
+}
+
+core::Task<> DevicePage::EditClick(view::Label& value, int minimum, int maximum) {
+  co_await EditValue(value, minimum, maximum);
 }
 
 void DevicePage::SetupModcomOCX() {
@@ -230,11 +440,37 @@ void DevicePage::SetupModcomOCX() {
   ModCom1.CommPort = State().PCPort;
 }
 
+bool DevicePage::OpenPort() {
+  return pages::OpenPort(ModCom1, context_.status);
+}
+
 core::Task<std::optional<Word>> DevicePage::ReadOne(Register source) {
   std::optional<Word> value;
   co_await ModCom1.ReadPLC(source, value, 1, bus::kFormat);
   co_await ModCom1.Free();
   co_return value;
+}
+
+core::Task<> DevicePage::ReadEEPromFlags() {
+  const view::Hourglass hourglass(context_.screen);
+  std::optional<PortClose> closes;
+  if (!ModCom1.PortOpen()) {
+    SetupModcomOCX();
+    // A port that does not open shows as an identity that is not read.
+    OpenPort();
+    closes.emplace(*this);
+  }
+  const std::optional<Word> identity = co_await ReadOne("40001"_reg);
+  if (identity && identity->High() == identity_.code) co_await ShowRegisters();
+}
+
+core::Task<> DevicePage::ShowRegisters() {
+  co_return;
+}
+
+core::Task<> DevicePage::ShowAddressOf(Register stored, view::Label& address, view::ComboBox& baud) {
+  const std::optional<Word> word = co_await ReadOne(stored);
+  if (word) ShowAddressWord(*word, address, baud);
 }
 
 // The window.
@@ -254,14 +490,14 @@ void DevicePage::Load() {
 }
 
 void DevicePage::Deactivate() {
-  TimerControllo.Enabled = false;
+  if (TimerControllo) TimerControllo->Enabled = false;
   // A last defence: a session does not let its page be left.
   ++session_;
   ClosePort();
 }
 
 core::Task<bool> DevicePage::QueryUnload() {
-  if (!InSession() && context_.hourglasses == 0) co_return true;
+  if (!InSession() && !context_.screen.Working()) co_return true;
   co_await context_.screen.MsgBox(kStopFirst, view::Icon::kExclamation);
   co_return false;
 }
@@ -272,6 +508,66 @@ void DevicePage::Unload() {
 
 void DevicePage::KeyDown(view::Key key) {
   if (key == view::Key::kEscape) State().EscPressed = 1;
+}
+
+// Settings files.
+
+void DevicePage::GatherFields() {
+  std::size_t number = 0;
+  for (const FileField& field : Files().fields) State().FileFields.at(++number) = field.write();
+}
+
+core::Task<> DevicePage::LoadFields() {
+  block_ = identity_.poll;
+  const FileFormat format = Files();
+  FieldsComing();
+  for (std::size_t i = 0; format.copied && i < format.fields.size(); ++i) {
+    // Nobody reads these before the next poll: what is no number, or too large a one, is left out.
+    try {
+      State().PollBuffer.at(i) = state::LowWord(State().FileFields.at(i + 1));
+    } catch (const core::Fault&) {
+      continue;
+    }
+  }
+  std::size_t number = 0;
+  for (const FileField& field : format.fields) field.read(State().FileFields.at(++number));
+  co_await SetupFormFromFile();
+}
+
+core::Task<> DevicePage::SetupFormFromFile() {
+  co_return;
+}
+
+FileField DevicePage::TextField(view::Label& value) {
+  return {[&value] { return value.Caption(); }, [&value](const std::string& text) { value.Caption = text; }};
+}
+
+FileField DevicePage::PositionField(view::ComboBox& list) {
+  return {[&list] { return std::to_string(list.ListIndex()); },
+          [&list](const std::string& text) { list.ListIndex = state::ToInteger(text); }};
+}
+
+FileField DevicePage::AddressField(view::Label& address, view::ComboBox& baud) {
+  return {[&address, &baud] { return std::to_string(AddressWord(address, baud).Unsigned()); },
+          [&address, &baud](const std::string& text) { ShowAddressWord(state::LowWord(text), address, baud); }};
+}
+
+std::function<void(const std::string&)> DevicePage::ToCopy(Register target) {
+  return [this, target](const std::string& text) { Copy(target) = state::LowWord(text); };
+}
+
+std::function<std::string()> DevicePage::FromCopy(Register source) {
+  return [this, source] { return std::to_string(Copy(source).Unsigned()); };
+}
+
+view::Node DevicePage::HeadLine(std::string note) const {
+  std::vector<view::Node> parts = {view::Show(Firmware), view::Show(Message), view::Show(MediaPlayer1),
+                                   view::Show(Start), view::Show(Stop)};
+  return view::Head(std::string(identity_.model), std::move(note), std::move(parts));
+}
+
+view::Node DevicePage::Foot() const {
+  return view::Row({view::Space(), view::Show(WEEP), view::Show(Reset)});
 }
 
 }  // namespace tarvo::pages

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -16,25 +17,42 @@ namespace tarvo::pages {
 /// The message that refuses an exit or a close while a session runs.
 inline constexpr char kStopFirst[] = "Communication must be stopped before exit !";
 
+/// The registers that a poll reads: `PollRegister` and `PollCount`.
+struct PollBlock {
+  state::Register first;
+  int count;
+};
+
 /// What a page is to the session, one row of the page table.
 struct PageIdentity {
   int number;               ///< `NrFinestra`
   std::string_view model;   ///< as in the messages
   std::string_view window;  ///< name of the page
   int code;                 ///< high byte of register 40001
-  state::Register pollRegister;
-  int pollCount;
-  int runKind;              ///< what Start leaves in `RunKind`
-  std::int16_t pollFormat;  ///< fourth argument of the poll read, 0 where the page gives none
+  PollBlock poll;
+  /// Polled in the session after `poll` was read once; nothing where one block holds all.
+  std::optional<PollBlock> pollAfter = std::nullopt;
+  int runKind;                             ///< what Start leaves in `RunKind`
+  std::int16_t pollFormat = bus::kFormat;  ///< fourth argument of the poll read, 0 where the page gives none
+  state::Register reset;                   ///< writing 1 restarts the module
+  /// Out of a session a change of flags goes to the page's copy of the register, the element of `PollBuffer`.
+  bool keepsCopies = false;
+  std::string_view firmware = "Firmware rel: ";  ///< stands before the release
+  std::string_view connected = {};               ///< begins the connection line of Start; empty for no line
+  std::string_view gears = "Ingranaggi1";
+  // Names of controls where they are not the usual word with the model behind it.
+  std::string_view weepName = {};
+  std::string_view resetName = {};
+  bool hasTimerControllo = true;
 };
 
-/// A change of some bits of a register: what is set, then what stays.
-struct BitChange {
-  unsigned orMask = 0;
-  unsigned andMask = 0xFFFF;
+/// What becomes of a register's word.
+using Change = std::function<state::Word(state::Word)>;
 
-  state::Word Of(state::Word word) const { return word.Or(orMask).And(andMask); }
-};
+/// Sets the bits of `mask`.
+Change Setting(unsigned mask);
+/// Keeps the bits of `mask` and clears all others.
+Change Keeping(unsigned mask);
 
 /// A check box that stands for a bit of a register.
 struct Flag {
@@ -44,8 +62,31 @@ struct Flag {
   unsigned clearMask;  ///< what stays when the bit is cleared
 };
 
-/// A page of one module model: its session on the bus, its timers and its window rules. A model adds its registers,
-/// its controls and what it makes of a poll.
+/// A step of the commit: a register of the module's EEPROM and what is written to it. All values are taken before the
+/// first is written, so that a text which is no number tears nothing.
+struct ImageWrite {
+  state::Register image;
+  std::function<state::Word()> value;
+};
+
+/// A field of the page's settings file: what Save writes, and what Load does with the text it has read. The two need
+/// not agree.
+struct FileField {
+  std::function<std::string()> write;
+  std::function<void(const std::string& text)> read;
+};
+
+/// The page's settings file; no word, no file.
+struct FileFormat {
+  std::string_view word;              ///< in the header
+  std::string_view updated;           ///< in the message after Load
+  std::span<const FileField> fields;  ///< at most 20
+  bool toTheEnd = false;              ///< Load takes all that the file has, not just as many fields
+  bool copied = false;                ///< Load also puts each field that is a number into `PollBuffer`
+};
+
+/// A page of one module model: its session on the bus, its timers, its commit and reset, and its window rules. A model
+/// adds its registers, its controls and what it makes of a poll.
 class DevicePage : public view::Window {
  public:
   DevicePage(PageContext& context, const PageIdentity& identity);
@@ -54,6 +95,8 @@ class DevicePage : public view::Window {
 
   view::Button Start;
   view::Button Stop;
+  view::Button WEEP;
+  view::Button Reset;
   view::Label Message;
   view::Label Firmware;
   view::ImageBox Ingranaggi;
@@ -61,7 +104,7 @@ class DevicePage : public view::Window {
   view::Timer TimerLetturaSeriale;
   view::Timer TimerGestioneLetture{*this, "TimerGestioneLetture", 200};
   view::Timer TimerIngranaggi{*this, "TimerIngranaggi", 200};
-  view::Timer TimerControllo{*this, "TimerControllo", 250};
+  std::optional<view::Timer> TimerControllo;
   bus::ModCom ModCom1;
 
   /// One poll read, its outcome shown in the message label.
@@ -69,8 +112,16 @@ class DevicePage : public view::Window {
 
   /// Applies what the module's firmware release (0 to 255) has.
   virtual void CheckFWVersion(int release) = 0;
-  /// Reads the module's settings without a session and shows them.
-  virtual core::Task<> ReadEEPromFlags() = 0;
+  /// Reads the module's settings without a session and shows them; nothing when another module answers, or none.
+  virtual core::Task<> ReadEEPromFlags();
+
+  /// The page's settings file.
+  virtual FileFormat Files() const { return {}; }
+  /// Puts what Save writes into `FileFields`.
+  void GatherFields();
+  /// Puts `FileFields` into the view and the page's copies. Throws "Type mismatch" or "Overflow" where a number is
+  /// none.
+  core::Task<> LoadFields();
 
   void Load() override;
   void Deactivate() override;
@@ -81,52 +132,144 @@ class DevicePage : public view::Window {
  protected:
   // What a model supplies to the session.
 
-  /// Enables and disables the controls that only newer firmware has; runs at Start, after `CheckFWVersion`.
-  virtual void EnableByFirmware(int /*release*/) {}
+  /// What Start does about the firmware.
+  virtual core::Task<> ApplyFirmware(int release);
   /// Shows the first block of a session.
   virtual core::Task<> ManageFirst() = 0;
+  /// Shows what was read of `pollAfter` at Start.
+  virtual core::Task<> ManageSecond();
   /// Shows the latest block; runs every 200 ms in a session.
-  virtual void ManageContinue() = 0;
+  virtual core::Task<> ManageContinue() = 0;
+  /// What a commit writes, in this order.
+  virtual std::span<const ImageWrite> ImageWrites() const = 0;
+  /// Reads the module's settings one by one and shows them; the port is open and the module identified.
+  virtual core::Task<> ShowRegisters();
+  /// A session's commit is done and the user has read so; polling goes on after it.
+  virtual core::Task<> Committed();
+  /// Before the fields of a file are taken.
+  virtual void FieldsComing() {}
+  /// All fields were taken; paints what goes through the page's copies.
+  virtual core::Task<> SetupFormFromFile();
+  /// The session has begun, nothing was polled yet.
+  virtual void Starting() {}
+  /// The session stands; runs at Start's end.
+  virtual void Started() {}
+  /// The user stops the session.
+  virtual void Stopping() {}
+  /// The parity options stay disabled whatever the flags say.
+  virtual bool ParityLocked() const { return false; }
 
   // What a model's handlers use.
 
   state::SharedState& State() { return context_.state; }
   bool InSession() const { return context_.state.StartComm == state::kTrue; }
   PageContext& Context() { return context_; }
-  /// The poll's present word of `source`, which the first poll block holds.
-  state::Word& Polled(state::Register source);
+  /// The latest word of `source`, a register of the block that is polled now.
+  state::Word Polled(state::Register source) const;
+  /// The page's copy of `source`, a register of its first block: what was polled, or changed since without a session.
+  state::Word& Copy(state::Register source);
 
-  /// Changes bits of a register: in a session on the module, read anew and written back with polling held; else in the
-  /// page's copy, the element of `PollBuffer`.
-  core::Task<> ChangeRegister(state::Register target, BitChange change);
+  /// Changes a register: in a session on the module, read anew and written back with polling held; else in the page's
+  /// copy, if it keeps copies.
+  core::Task<> ChangeRegister(state::Register target, Change change);
+  /// Does `work` with the session's polling held.
+  core::Task<> WithPollHeld(core::Task<> work);
   /// In a session, writes a register with polling held; else nothing.
   core::Task<> WriteLive(state::Register target, state::Word value);
-  /// Makes a user's press on the box of each flag change its bit.
+  /// Makes the boxes of `flags` show the bits of the flags register. `flags` live as long as the page.
+  void TieFlags(std::span<const Flag> flags) { flags_ = flags; }
+  /// The same, and makes a user's press on a box change its bit.
   void BindFlags(std::span<const Flag> flags);
+  /// Makes `on`, a box of the flags, enable the options, and a click on an option change bit 4 of `target`. Until
+  /// something was read parity is even and off.
+  void BindParity(view::CheckBox& on, view::OptionButton& even, view::OptionButton& odd, state::Register target);
+  /// Shows the flags register in the boxes and options that are bound.
+  void ShowFlags(state::Word flags);
+  /// The flags register as the boxes and options show it; all other bits are clear.
+  state::Word FlagsShown() const;
+  /// Asks for a new value and shows it; false when it is not accepted.
+  core::Task<bool> EditValue(view::Label& value, int minimum, int maximum);
+  /// Reads a stored address word and shows it, see `ShowAddressWord`.
+  core::Task<> ShowAddressOf(state::Register stored, view::Label& address, view::ComboBox& baud);
+  /// Makes a click on `value` ask for a new one; nothing goes to the module before a commit.
+  void BindEdit(view::Label& value, int minimum, int maximum);
+
+  // Fields of settings files.
+
+  /// A caption, as it stands.
+  FileField TextField(view::Label& value);
+  /// A position in a list.
+  FileField PositionField(view::ComboBox& list);
+  /// The address word: the address and the selected baud code.
+  FileField AddressField(view::Label& address, view::ComboBox& baud);
+  /// Makes Load put the field into the page's copy of `target`.
+  std::function<void(const std::string&)> ToCopy(state::Register target);
+  /// Makes Save write the page's copy of `source`.
+  std::function<std::string()> FromCopy(state::Register source);
+
+  // What all pages' arrangements have.
+
+  view::Node HeadLine(std::string note) const;
+  view::Node Foot() const;
 
   /// Sets up `ModCom1` from the shared values, without opening the port.
   void SetupModcomOCX();
+  /// Opens the port of `ModCom1`. False when it may not be opened: then panel 1 of the status bar says why.
+  bool OpenPort();
   /// Reads one register; nothing when the read fails, so that what is shown stays.
   core::Task<std::optional<state::Word>> ReadOne(state::Register source);
 
+  /// Closes the port at its end, whichever way out is taken.
+  class PortClose {
+   public:
+    explicit PortClose(DevicePage& page) : page_(page) {}
+    PortClose(const PortClose&) = delete;
+    PortClose& operator=(const PortClose&) = delete;
+    ~PortClose() { page_.ClosePort(); }
+
+   private:
+    DevicePage& page_;
+  };
+
  private:
   class PollPause;
+  class DeedPause;
 
   core::Task<> StartClick();
   core::Task<> StopClick();
   core::Task<> TakeDown();
+  core::Task<> WEEPClick();
+  core::Task<> WriteImages();
+  core::Task<> ResetClick();
+  core::Task<> ResetInSession();
+  core::Task<> ResetOutOfSession();
+  core::Task<bool> OpenOnModule();
+  core::Task<> SayWrongModule();
   void UndoStart();
   core::Task<> Decode();
   core::Task<> TurnGears();
   core::Task<> PressFlag(const Flag& flag);
+  core::Task<> EditClick(view::Label& value, int minimum, int maximum);
+  void SetPollBlock(const PollBlock& block);
   core::Task<> WriteAndKeep(state::Register target, state::Word value);
   void EnableTimers();
   void DisableTimers();
   void PrepareClip(bool play);
   void ClosePort();
 
+  /// The controls of parity, null on a page without them.
+  struct Parity {
+    view::CheckBox* on = nullptr;
+    view::OptionButton* even = nullptr;
+    view::OptionButton* odd = nullptr;
+  };
+  void EnableParity(bool enabled);
+
   PageContext& context_;
   const PageIdentity identity_;
+  PollBlock block_;  ///< that the page polls now
+  std::span<const Flag> flags_;
+  Parity parity_;
   int session_ = 0;  ///< counts sessions begun and ended: who waits sees by it that his session is over
   int pauses_ = 0;   ///< handlers of this session that hold the timers
 };

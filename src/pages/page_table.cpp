@@ -31,6 +31,14 @@ void PageTable::ReselectStart() {
   if (DevicePage* page = Current()) page->Start.Enabled = true;
 }
 
+void PageTable::KillAllTimers() {
+  DevicePage* page = Current();
+  if (page == nullptr) return;
+  for (view::Control* control : page->Controls()) {
+    if (control->GetKind() == view::Kind::kTimer) control->Enabled = false;
+  }
+}
+
 void PageTable::MuoviIngranaggi() {
   // In phase 1 the picture stays as it is.
   if (state_.GearStep < 2 || state_.GearStep > 5) return;

@@ -28,6 +28,8 @@ class PageTable {
   void DeselectStart();
   /// Out of a session, enables the current page's Start.
   void ReselectStart();
+  /// Disables every timer of the current page.
+  void KillAllTimers();
   /// Shows the gears of the present phase; nothing turns the phase.
   void MuoviIngranaggi();
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "core/fault.h"
+#include "platform/port_advice.h"
 #include "platform/posix_byte_port.h"
 
 namespace tarvo::platform {
@@ -41,10 +42,14 @@ ComPorts::ComPorts(core::Scheduler& scheduler, const Devices& given, const Setti
 
 ComPorts::Opened ComPorts::Open(int comPort, const bus::LineSettings& line) {
   const std::string device = DeviceOf(comPort);
-  if (!device.empty()) return PosixBytePort::Open(scheduler_, device, line);
-  Opened none;
-  none.status = core::Status::Failed(FaultOfDevice(ENODEV, NameOf(comPort)));
-  return none;
+  Opened opened;
+  if (device.empty()) {
+    opened.status = core::Status::Failed(FaultOfDevice(ENODEV, NameOf(comPort)));
+  } else {
+    opened = PosixBytePort::Open(scheduler_, device, line);
+  }
+  if (!opened.status.Ok()) opened.status = core::Status::Failed(WithAdvice(opened.status.GetFault(), comPort, device));
+  return opened;
 }
 
 std::string ComPorts::DeviceOf(int comPort) {

@@ -30,7 +30,7 @@ class ComPorts : public bus::PortOpener {
   /// The device behind COM`comPort`; empty when there is none.
   std::string DeviceOf(int comPort);
   /// For the user: "/dev/ttyUSB0 - FT232R USB UART", or the device alone; empty when there is none.
-  std::string DescriptionOf(int comPort);
+  std::string DescriptionOf(int comPort) override;
 
  private:
   struct Entry {

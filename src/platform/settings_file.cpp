@@ -23,41 +23,50 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestFile = std::size_t{1} << 20;
 
-core::Status Unreadable(const fs::path& path, const std::string& reason) {
-  return core::Status::Failed(core::Fault("The settings file " + path.string() + " cannot be read: " + reason + "."));
+/// What the user reads of an error of `ReadFile`.
+std::string ReasonOf(int error) {
+  switch (error) {
+    case EISDIR:
+      return "it is a folder";
+    case ENXIO:
+      return "it is not a file";
+    case EFBIG:
+      return "it is larger than 1 MiB";
+    case EILSEQ:
+      return "it is damaged (not a text)";
+    default:
+      return std::generic_category().message(error);
+  }
 }
 
-core::Status Unwritable(const fs::path& path, const std::string& reason) {
-  return core::Status::Failed(
-      core::Fault("The settings file " + path.string() + " cannot be written: " + reason + "."));
+/// 0 for a regular file, or the system's error number.
+int RefuseOther(const FileDescriptor& file) {
+  if (!file.Valid()) return errno;
+  struct stat status{};
+  if (fstat(file.Get(), &status) != 0) return errno;
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  return S_ISREG(status.st_mode) ? 0 : ENXIO;
 }
 
-std::string TextOfError(int error) {
-  return std::generic_category().message(error);
-}
-
-/// Reads the file at `path` into `text`; a missing one is empty.
-core::Status ReadFile(const fs::path& path, std::string& text) {
+/// Reads the file at `path` into `text`; 0, or the system's error number: ENXIO for what is no file, EFBIG for one too
+/// large, EILSEQ for one that no text editor wrote.
+int ReadFile(const fs::path& path, std::string& text) {
   // Not blocking, since a pipe or a device may stand where the file should be.
   const FileDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!file.Valid()) return errno == ENOENT ? core::Status::Good() : Unreadable(path, TextOfError(errno));
-  struct stat status{};
-  if (fstat(file.Get(), &status) != 0) return Unreadable(path, TextOfError(errno));
-  if (S_ISDIR(status.st_mode)) return Unreadable(path, "it is a folder");
-  if (!S_ISREG(status.st_mode)) return Unreadable(path, "it is not a file");
+  if (const int error = RefuseOther(file)) return error;
   std::string read;
   std::array<char, 4096> block{};
   while (true) {
     const ssize_t count = ::read(file.Get(), block.data(), block.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return Unreadable(path, TextOfError(errno));
+    if (count < 0) return errno;
     if (count == 0) break;
     read.append(block.data(), static_cast<std::size_t>(count));
-    if (read.size() > kLongestFile) return Unreadable(path, "it is larger than 1 MiB");
+    if (read.size() > kLongestFile) return EFBIG;
   }
-  if (!IsSettingsText(read)) return Unreadable(path, "it is damaged (not a text)");
+  if (!IsSettingsText(read)) return EILSEQ;
   text = std::move(read);
-  return core::Status::Good();
+  return 0;
 }
 
 /// 0, or the system's error number.
@@ -71,8 +80,10 @@ int WriteAll(int descriptor, std::string_view text) {
   return fsync(descriptor) == 0 ? 0 : errno;
 }
 
-/// Writes a new file beside `path` and puts it in its place; 0, or the system's error number.
+/// Puts a new file in the place of the one at `path`; 0, or the system's error number.
 int ReplaceFile(const fs::path& path, std::string_view text) {
+  // A new file could take the place of one that must not be written: that asks the folder's rights only.
+  if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return errno;
   std::string temporary = (path.parent_path() / ".Tarvo.conf.XXXXXX").string();
   const FileDescriptor file(mkostemp(temporary.data(), O_CLOEXEC));
   if (!file.Valid()) return errno;
@@ -112,8 +123,10 @@ fs::path SettingsFile::DefaultPath() {
 }
 
 core::Status SettingsFile::Load() {
-  text_.clear();
-  return path_.empty() ? core::Status::Good() : ReadFile(path_, text_);
+  Read();
+  if (readError_ == 0 || readError_ == kMissing) return core::Status::Good();
+  return core::Status::Failed(
+      core::Fault("The settings file " + path_.string() + " cannot be read: " + ReasonOf(readError_) + "."));
 }
 
 std::optional<std::string> SettingsFile::Value(std::string_view name) const {
@@ -121,20 +134,45 @@ std::optional<std::string> SettingsFile::Value(std::string_view name) const {
   return value ? std::optional<std::string>(*value) : std::nullopt;
 }
 
-core::Status SettingsFile::Store(std::string_view name, std::string_view value) {
-  if (path_.empty()) return Unwritable(path_, "this user has no home folder");
+int SettingsFile::Open() {
+  Read();
+  const bool damaged = readError_ == EILSEQ || readError_ == EFBIG;
+  return damaged ? 0 : readError_;
+}
+
+int SettingsFile::Retrieve(std::string_view name, std::optional<std::string>& text) {
+  if (readError_ == 0) text = Value(name);
+  return readError_;
+}
+
+int SettingsFile::Create() {
+  if (path_.has_parent_path()) {
+    std::error_code error;
+    fs::create_directories(path_.parent_path(), error);
+    if (error) return error.value();
+  }
+  // Not truncated: another instance may just have made it.
+  const FileDescriptor file(open(path_.c_str(), O_RDONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
+  return RefuseOther(file);
+}
+
+int SettingsFile::Set(std::string_view name, std::string_view text) {
   // Another instance may have written meanwhile.
-  if (core::Status loaded = Load(); !loaded.Ok()) return loaded;
+  Read();
+  if (readError_ != 0) return readError_;
+  std::string changed = WithSetting(text_, name, text);
   std::error_code error;
   // Behind a link the file that it leads to is replaced, not the link.
-  fs::path target = fs::weakly_canonical(path_, error);
-  if (error) target = path_;
-  fs::create_directories(target.parent_path(), error);
-  if (error) return Unwritable(path_, error.message());
-  std::string text = WithSetting(text_, name, value);
-  if (const int failed = ReplaceFile(target, text)) return Unwritable(path_, TextOfError(failed));
-  text_ = std::move(text);
-  return core::Status::Good();
+  const fs::path target = fs::canonical(path_, error);
+  if (error) return error.value();
+  if (const int failed = ReplaceFile(target, changed)) return failed;
+  text_ = std::move(changed);
+  return 0;
+}
+
+void SettingsFile::Read() {
+  text_.clear();
+  readError_ = ReadFile(path_, text_);
 }
 
 }  // namespace tarvo::platform

@@ -6,15 +6,17 @@
 #include <string_view>
 
 #include "core/fault.h"
+#include "shell/services.h"
 
 namespace tarvo::platform {
 
-/// The program's settings file, read as a whole and changed one value at a time.
-class SettingsFile {
+/// The program's settings file, read as a whole and changed one value at a time. What cannot be read is not touched.
+class SettingsFile : public shell::ValueStore {
  public:
   explicit SettingsFile(std::filesystem::path path = DefaultPath());
 
-  /// `Tarvo/Tarvo.conf` in the user's configuration folder; empty when the user has none.
+  /// `Tarvo/Tarvo.conf` in the user's configuration folder; empty, a file that is always missing, when the user has
+  /// none.
   static std::filesystem::path DefaultPath();
 
   const std::filesystem::path& Path() const { return path_; }
@@ -23,16 +25,25 @@ class SettingsFile {
   /// fault's text is a whole sentence that names the file.
   core::Status Load();
 
-  /// The value as of the last `Load` or `Store`.
+  /// The value as the file was last read or written.
   std::optional<std::string> Value(std::string_view name) const;
 
-  /// Sets one value in the file as it is now; makes file and folder where needed. Either the whole new file is there
-  /// afterwards or the old one. A file that cannot be read is not touched.
-  core::Status Store(std::string_view name, std::string_view value);
+  /// Reads the file anew. A damaged one can be opened; `Retrieve` and `Set` tell the damage: EILSEQ for a file that is
+  /// no text, EFBIG for one that is too large.
+  int Open() override;
+  int Retrieve(std::string_view name, std::optional<std::string>& text) override;
+  /// Makes its folder too, where needed.
+  int Create() override;
+  /// Changes the file as it is now. Either the whole new file is there afterwards or the old one; EACCES for a file or
+  /// folder that may not be written.
+  int Set(std::string_view name, std::string_view text) override;
 
  private:
+  void Read();
+
   std::filesystem::path path_;
   std::string text_;
+  int readError_ = kMissing;
 };
 
 }  // namespace tarvo::platform

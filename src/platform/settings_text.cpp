@@ -51,8 +51,9 @@ std::optional<std::string_view> FindSetting(std::string_view text, std::string_v
 }
 
 std::string WithSetting(std::string_view text, std::string_view name, std::string_view value) {
-  if (name.empty() || name.starts_with('#') || name.find('=') != std::string_view::npos || !FitsInLine(name) ||
-      !FitsInLine(value)) {
+  // A mark at the start of the text is not a part of the first name.
+  if (name.empty() || name.starts_with('#') || name.starts_with(kByteOrderMark) ||
+      name.find('=') != std::string_view::npos || !FitsInLine(name) || !FitsInLine(value)) {
     throw std::invalid_argument("a settings line cannot hold this name and value");
   }
   std::string result(text);

@@ -1,38 +1,102 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <optional>
 #include <vector>
 
-#include "pages/device_page.h"
+#include "bus/modcom/modcom.h"
+#include "bus/ms_comm.h"
+#include "bus/search/device_search.h"
+#include "bus/search/frm_keyb.h"
+#include "config/settings_files.h"
 #include "pages/navigation.h"
 #include "pages/page_context.h"
+#include "shell/about.h"
+#include "shell/home.h"
+#include "shell/pc_setup.h"
+#include "shell/services.h"
+#include "shell/settings_store.h"
 #include "view/window.h"
 
 namespace tarvo::shell {
 
-/// `MDIForm1`, the one main window: the page list, the menu, the status bar, and the page in it.
-class MainWindow : public view::Window, public pages::Navigation {
+/// `MDIForm1`, the one main window: menu, page list, status bar, and the page in it. Starts the search, and takes the
+/// program down.
+class MainWindow : public view::Window, public pages::Navigation, private bus::SearchHost {
  public:
-  MainWindow(view::Screen& screen, state::SharedState& state);
+  MainWindow(view::Screen& screen, state::SharedState& state, pages::ChangeValue& changeValue,
+             const Services& services);
+
+  // Menu.
 
   view::MenuItem FileMNU{*this, nullptr, "FileMNU", "&File"};
+  view::MenuItem OpenMNU{*this, &FileMNU, "OpenMNU", "&Open"};
+  view::MenuItem SaveMNU{*this, &FileMNU, "SaveMNU", "&Save"};
   view::MenuItem ExitMNU{*this, &FileMNU, "ExitMNU", "&Exit"};
+  view::MenuItem MenuOptions{*this, nullptr, "MenuOptions", "&Options"};
+  view::MenuItem MenuHome{*this, &MenuOptions, "MenuHome", "Home"};
+  view::MenuItem MenuPCSetup{*this, &MenuOptions, "MenuPCSetup", "PCSetup"};
+  view::MenuItem menuEnableCheckConnection{*this, &MenuOptions, "menuEnableCheckConnection",
+                                           "&Enable  Check  Connection"};
+  view::MenuItem mnuCheckconnection{*this, &MenuOptions, "mnuCheckconnection", "&Check Connection"};
   view::MenuItem mnuVesk{*this, nullptr, "mnuVesk", "Vesk  Devices"};
   view::MenuItem MenuBelk{*this, &mnuVesk, "MenuBelk", "Belk"};
-  view::Label labBelk{*this, "labBelk", "Belk"};
-  view::ControlArray<view::Panel, 2> StatusBar1;  ///< named "StatusBar1(1)" and "StatusBar1(2)"
+  view::MenuItem MenuCobin{*this, &mnuVesk, "MenuCobin", "Cobin"};
+  view::MenuItem MenuDravo{*this, &mnuVesk, "MenuDravo", "Dravo"};
+  view::MenuItem MenuFerrun{*this, &mnuVesk, "MenuFerrun", "Ferrun"};
+  view::MenuItem MenuGaven{*this, &mnuVesk, "MenuGaven", "Gaven"};
+  view::MenuItem menuJorun{*this, &mnuVesk, "menuJorun", "Jorun"};
+  view::MenuItem HelpMNU{*this, nullptr, "HelpMNU", "&Help"};
+  view::MenuItem ContentsMNU{*this, &HelpMNU, "ContentsMNU", "&Contents"};
+  view::MenuItem frmAbout{*this, &HelpMNU, "frmAbout", "&About"};
 
-  /// Gives the pages to the page list. Once, before `ShowFirstPage`.
+  // Bar.
+
+  view::ComboBox cbSelectDevice;
+  view::Button buttCheckDevice{*this, "buttCheckDevice", "Sear&ch", "Check if a device is on-line"};
+  view::CheckBox CheckEnableCheckConnection{*this, "CheckEnableCheckConnection", "Enable Check Connection"};
+
+  // Page list.
+
+  view::Label LabHome{*this, "LabHome", "Home"};
+  view::Label LabPCSetup{*this, "LabPCSetup", "PC-Setup"};
+  view::Label labBelk{*this, "labBelk", "Belk"};
+  view::Label labCobin{*this, "labCobin", "Cobin"};
+  view::Label labDravo{*this, "labDravo", "Dravo"};
+  view::Label labFerrun{*this, "labFerrun", "Ferrun"};
+  view::Label labGaven{*this, "labGaven", "Gaven"};
+  view::Label labJorun{*this, "labJorun", "Jorun"};
+
+  view::ControlArray<view::Panel, 2> StatusBar1;  ///< named "StatusBar1(1)" and "StatusBar1(2)"
+  bus::MSComm MSComm1;
+  bus::ModCom ModCom1;  ///< the search's
+
+  // Its windows.
+
+  About about;
+  Home home;
+  PCsetup pcSetup;
+  bus::FrmKeyb frmKeyb;
+
+  pages::StatusPanels Panels() { return {StatusBar1[0], StatusBar1[1], ""}; }
+  /// Gives the device pages to the page list. Once, before `StartUp`.
   void SetPages(pages::PageContext& context);
-  core::Task<> ShowFirstPage();
+  config::SettingsFiles& Files() { return *files_; }
+  /// What the program does before the first gesture: reads the stored switch, tests the ports, shows the start page,
+  /// and searches when the switch says so.
+  core::Task<> StartUp();
   bool Ended() const { return ended_; }
 
   void DisableNavigation() override;
   void EnableNavigation() override;
+  /// For the family selector's focus: hold `TimerControllo` of Dravo. Nothing enables that timer, so no front tells the
+  /// focus.
+  void DisableTimers();
+  void ReEnableTimers();
+  /// Flips the auto-search switch.
+  void SetConnection();
 
   core::Task<bool> QueryUnload() override;
-  void Unload() override;
   view::Node Arrangement() const override;
 
  private:
@@ -40,18 +104,45 @@ class MainWindow : public view::Window, public pages::Navigation {
   struct Entry {
     view::Label& label;
     view::MenuItem& item;
-    int page;             ///< its number in the page table
-    std::int16_t family;  ///< `FamilyShown` of its family
+    view::Window* window;                ///< null for a device page, which the page table has
+    int page;                            ///< `NrFinestra`
+    std::optional<std::int16_t> family;  ///< `FamilyShown` of its family, nothing where a click leaves it
   };
 
-  core::Task<> LabelClick(Entry entry);
+  core::Task<> LabelClick(const Entry& entry);
+  core::Task<> GoTo(const Entry& entry);
+  void ShowFamily();
+  void ShowAutoScan();
+
   core::Task<> ExitClick();
+  core::Task<> ContentsClick();
+  core::Task<> AboutClick();
+  core::Task<> SetConnectionClick();
+  core::Task<> SayWhere(std::string manual);
+  core::Task<> SearchClick() { return search_.CheckIfDeviceIsOnLine(); }
+  void LineEvent(bus::MSComm::Event event);
+
+  core::Task<> LeaveForHome() override;
+  void ScanPorts() override;
+  core::Task<> LoadForm(state::Word identity) override;
+  const Entry& EntryOf(int page) const;
+
   bool MustStopFirst() const;
+  core::Task<> StoreAndUnload(bool formsClosed);
+  void CloseAllForms();
   std::string WhyLocked(const view::Control& control) const;
 
   state::SharedState& state_;
+  pages::ChangeValue& changeValue_;
+  HelpViewer& help_;
+  config::TextFiles& textFiles_;
+  SettingsStore settings_;
+  bus::DeviceSearch search_;
   pages::PageContext* context_ = nullptr;
-  std::vector<Entry> entries_;
+  std::optional<config::SettingsFiles> files_;  ///< once there are pages
+  const std::vector<Entry> entries_;
+  const std::vector<view::Control*> navigation_;  ///< what `DisableNavigation` turns off, besides the entries
+  bool controlloHeld_ = false;                    ///< `TimerControllo` was on when it was held
   bool ended_ = false;
 };
 

@@ -1,7 +1,13 @@
 #include "shell/program.h"
 
 #include "models/belk.h"
+#include "models/cobin.h"
+#include "models/dravo.h"
+#include "models/ferrun.h"
+#include "models/gaven.h"
+#include "models/jorun.h"
 #include "pages/change_value.h"
+#include "pages/dlg_set_new_value.h"
 #include "pages/page_table.h"
 #include "shell/main_window.h"
 
@@ -10,8 +16,23 @@ namespace tarvo::shell {
 struct Program::Parts {
   explicit Parts(const Services& services)
       : screen(services.scheduler),
-        context{screen, state, services.ports, mainWindow, table, changeValue, services.programFolder} {
-    windows = {&belk, &changeValue, &mainWindow};
+        mainWindow(screen, state, changeValue, services),
+        context{screen, state,       services.ports,        mainWindow, mainWindow.Panels(),
+                table,  changeValue, services.programFolder} {
+    windows = {&belk,
+               &cobin,
+               &dravo,
+               &ferrun,
+               &gaven,
+               &jorun,
+               &dlgCalForm,
+               &mainWindow.home,
+               &mainWindow.pcSetup,
+               &mainWindow.about,
+               &mainWindow.frmKeyb,
+               &changeValue,
+               &dlgSetNewValue,
+               &mainWindow};
     mainWindow.SetPages(context);
     screen.SetMain(&mainWindow);
   }
@@ -25,9 +46,16 @@ struct Program::Parts {
   state::SharedState state;
   pages::PageTable table{state};
   pages::ChangeValue changeValue{screen, state};
-  MainWindow mainWindow{screen, state};
+  pages::DlgSetNewValue dlgSetNewValue{screen, state};
+  MainWindow mainWindow;
   pages::PageContext context;
   models::Belk belk{context};
+  models::Cobin cobin{context};
+  models::Dravo dravo{context};
+  models::Ferrun ferrun{context};
+  models::Gaven gaven{context};
+  calibration::DlgCalForm dlgCalForm{screen, state, context.ports};
+  models::Jorun jorun{context, dlgCalForm};
   std::vector<view::Window*> windows;
   bool starting = true;
 };
@@ -41,8 +69,7 @@ void Program::Start() {
 }
 
 core::Task<> Program::Load() {
-  parts_->mainWindow.EnableNavigation();
-  co_await parts_->mainWindow.ShowFirstPage();
+  co_await parts_->mainWindow.StartUp();
   parts_->starting = false;
 }
 
@@ -58,6 +85,10 @@ view::Screen& Program::GetScreen() {
   return parts_->screen;
 }
 
+config::SettingsFiles& Program::Files() {
+  return parts_->mainWindow.Files();
+}
+
 state::SharedState& Program::State() {
   return parts_->state;
 }
@@ -71,10 +102,6 @@ view::Window* Program::FindWindow(std::string_view name) const {
     if (window->Name() == name) return window;
   }
   return nullptr;
-}
-
-std::string_view Version() {
-  return TARVO_VERSION;
 }
 
 }  // namespace tarvo::shell

@@ -5,21 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "bus/byte_port.h"
-#include "core/scheduler.h"
+#include "config/settings_files.h"
 #include "core/task.h"
+#include "shell/services.h"
 #include "state/shared_state.h"
 #include "view/screen.h"
 #include "view/window.h"
 
 namespace tarvo::shell {
-
-/// What the program needs of the system that it runs on. All of it outlives the program.
-struct Services {
-  core::Scheduler& scheduler;
-  bus::PortOpener& ports;
-  std::string programFolder = ".";
-};
 
 /// The program: owns every window and wires them. A front shows `GetScreen()` and hands gestures in there.
 class Program {
@@ -37,6 +30,7 @@ class Program {
   bool Ended() const;
 
   view::Screen& GetScreen();
+  config::SettingsFiles& Files();
   state::SharedState& State();
   /// Every window, pages first in the page table's order, the main window last.
   const std::vector<view::Window*>& Windows() const;
@@ -48,8 +42,5 @@ class Program {
 
   std::unique_ptr<Parts> parts_;
 };
-
-/// "1.0.0"
-std::string_view Version();
 
 }  // namespace tarvo::shell

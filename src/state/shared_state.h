@@ -28,12 +28,21 @@ struct SharedState {
   int EscPressed = 0;
   int GearStep = 1;  ///< phase of the gears picture, 1 to 5
 
-  std::int16_t FamilyShown = kTrue;  ///< -1 for "Vesk DEVICES", 0 for the others
+  std::int16_t FamilyShown = kTrue;     ///< -1 for "Vesk DEVICES", 0 for the others
+  std::int16_t AutoScan = 1;            ///< 1 to search for a device when the program starts
+  std::int16_t SearchRunning = kFalse;  ///< -1 during a search
+  std::int16_t pageReadDone = kFalse;   ///< -1 once a page that reads its module by itself has done so
+  std::int16_t pageEntered = kFalse;    ///< -1 once a page that works on an open port has been entered
+
+  std::array<std::string, 21> FileFields;  ///< of the settings file; numbered from 1, the first is not used
+
+  std::array<std::int16_t, 4> FullScaleTC{};  ///< counts that fill the bar of each thermocouple input
 
   std::int32_t ChangeValueMin = 0;
   std::int32_t ChangeValueMax = 0;
   std::string ChangeValueResult;
   std::int16_t ChangeValueOk = kFalse;  ///< -1 when `ChangeValue` was accepted
+  std::string NewValueText;             ///< what `dlgSetNewValue` accepted
 };
 
 }  // namespace tarvo::state

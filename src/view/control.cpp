@@ -172,8 +172,8 @@ std::vector<NamedValue> TextBox::Properties() const {
   return Join({{"Text", Text()}}, Control::Properties());
 }
 
-ImageBox::ImageBox(Window& window, std::string_view name, std::string_view toolTip, int index)
-    : Control(window, Kind::kImageBox, name, index) {
+ImageBox::ImageBox(Window& window, std::string_view name, std::string_view toolTip, int index, Album album)
+    : Control(window, Kind::kImageBox, name, index), album_(album) {
   ToolTipText = toolTip;
 }
 

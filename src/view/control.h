@@ -208,10 +208,16 @@ class TextBox : public Control {
   Handler OnLeave;
 };
 
-/// Shows one of a few numbered pictures: 1 is off, 2 is on, as in the system's image list.
+/// Shows one of a few numbered pictures.
 class ImageBox : public Control {
  public:
-  ImageBox(Window& window, std::string_view name, std::string_view toolTip = {}, int index = -1);
+  /// Which pictures: of an input, 1 off and 2 on, or of the gears in their phases 1 to 5.
+  enum class Album { kInput, kGears };
+
+  ImageBox(Window& window, std::string_view name, std::string_view toolTip = {}, int index = -1,
+           Album album = Album::kInput);
+
+  Album GetAlbum() const { return album_; }
 
   bool TakesClick() const override { return OnClick != nullptr; }
   std::vector<NamedValue> Properties() const override;
@@ -219,6 +225,9 @@ class ImageBox : public Control {
   Property<int> Picture{*this, 1};
 
   Handler OnClick;
+
+ private:
+  Album album_;
 };
 
 /// A status mark that tells by its colour: lit (`kRed`) or dark (`kDarkRed`, or another colour).
@@ -311,6 +320,8 @@ class ControlArray {
 
   T& operator[](std::size_t index) { return members_.at(index); }
   const T& operator[](std::size_t index) const { return members_.at(index); }
+  T& operator[](int index) { return members_.at(static_cast<std::size_t>(index)); }
+  const T& operator[](int index) const { return members_.at(static_cast<std::size_t>(index)); }
   static constexpr std::size_t Size() { return kSize; }
   auto begin() { return members_.begin(); }
   auto end() { return members_.end(); }

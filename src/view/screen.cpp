@@ -93,11 +93,18 @@ Window* Screen::FrontWindow() const {
   return front != nullptr ? front->AsWindow() : page_;
 }
 
-core::Task<std::string> Screen::ShowUntilClosed(Modal::What what) {
-  core::Origin* origin = co_await OriginOf();
+std::shared_ptr<Modal> Screen::PutInFront(Modal::What what, core::Origin* origin) {
   std::shared_ptr<GestureRun> opener;
   if (auto* run = dynamic_cast<GestureRun*>(origin)) opener = run->weak_from_this().lock();
-  const auto modal = std::make_shared<Modal>(scheduler_, std::move(what), ++lastModalId_, std::move(opener));
+  auto modal = std::make_shared<Modal>(scheduler_, std::move(what), ++lastModalId_, std::move(opener));
+  modals_.push_back(modal);
+  NoteStage();
+  return modal;
+}
+
+core::Task<std::string> Screen::ShowUntilClosed(Modal::What what) {
+  core::Origin* origin = co_await OriginOf();
+  const std::shared_ptr<Modal> modal = PutInFront(std::move(what), origin);
 
   // A task that ends early, with its window, takes its box along.
   struct OffTheScreen {
@@ -107,8 +114,6 @@ core::Task<std::string> Screen::ShowUntilClosed(Modal::What what) {
   };
   const OffTheScreen offTheScreen{*this, *modal};
 
-  modals_.push_back(modal);
-  NoteStage();
   if (Window* window = modal->AsWindow()) co_await window->Activate();
   // Its own Activate may have closed it.
   if (!modal->gone_) co_await modal->closed_.Wait();
@@ -121,13 +126,14 @@ core::Task<std::string> Screen::MsgBox(std::string text, Icon icon, std::string 
   return Ask(std::move(text), icon, std::move(buttons), std::move(caption));
 }
 
-core::Task<std::string> Screen::Ask(std::string text, Icon icon, std::vector<std::string> buttons,
-                                    std::string caption) {
+core::Task<std::string> Screen::Ask(std::string text, Icon icon, std::vector<std::string> buttons, std::string caption,
+                                    std::size_t defaultButton) {
   MessageBox box;
   box.text = std::move(text);
   box.caption = std::move(caption);
   box.icon = icon;
   box.buttons = std::move(buttons);
+  box.defaultButton = defaultButton;
   Modal::What what(std::move(box));
   return ShowUntilClosed(std::move(what));
 }
@@ -151,6 +157,19 @@ core::Task<> Screen::ShowModal(Window& window) {
   const bool pageIsInFront =
       std::none_of(modals_.begin(), modals_.end(), [](const auto& modal) { return modal->AsWindow() != nullptr; });
   if (pageIsInFront && page_ != nullptr) co_await page_->Activate();
+}
+
+core::Task<> Screen::ShowInFront(Window& window) {
+  core::Origin* origin = co_await OriginOf();
+  window.loaded_ = true;
+  window.Load();
+  PutInFront(&window, origin);
+  co_await window.Activate();
+}
+
+void Screen::TakeFromFront(Window& window) {
+  window.Deactivate();
+  CloseModal(window);
 }
 
 void Screen::CloseModal(Window& window) {
@@ -297,7 +316,7 @@ GestureResult Screen::PressKey(Control* control, Key key) {
   } else if (front != nullptr && front->AsWindow() == nullptr) {
     if (key == Key::kEscape) return Close();
     const MessageBox* box = front->AsMessageBox();
-    return box != nullptr ? Answer(box->buttons.front()) : Refused("a file dialog takes no Enter");
+    return box != nullptr ? Answer(box->buttons.at(box->defaultButton)) : Refused("a file dialog takes no Enter");
   }
 
   Window* window = control != nullptr ? &control->GetWindow() : FrontWindow();

@@ -25,6 +25,7 @@ struct MessageBox {
   std::string caption;
   Icon icon = Icon::kNone;
   std::vector<std::string> buttons;
+  std::size_t defaultButton = 0;  ///< what Enter answers
 };
 
 struct FileDialog {
@@ -122,7 +123,7 @@ class Screen {
   /// Shows a message box until it is answered; gives the button's text.
   core::Task<std::string> MsgBox(std::string text, Icon icon, std::string caption = "Tarvo");
   core::Task<std::string> Ask(std::string text, Icon icon, std::vector<std::string> buttons,
-                              std::string caption = "Tarvo");
+                              std::string caption = "Tarvo", std::size_t defaultButton = 0);
   /// Shows a file dialog; gives the path, or nothing when it is cancelled.
   core::Task<std::optional<std::string>> AskForFile(bool save, std::string filter);
   /// Shows a modal window (its Load and Activate run each time) until `CloseModal`; then the page's Activate runs to
@@ -130,12 +131,18 @@ class Screen {
   core::Task<> ShowModal(Window& window);
   /// Takes a modal window off the screen; whoever showed it goes on in the next turn.
   void CloseModal(Window& window);
+  /// Puts a window in front of all for as long as the caller works; goes on when its Activate has ended.
+  core::Task<> ShowInFront(Window& window);
+  /// Takes such a window off the screen, its Deactivate first. The page below is not activated by it.
+  void TakeFromFront(Window& window);
   /// The one message box for a fault that nobody caught.
   void ReportFault(const std::string& description);
 
   enum class Pointer { kDefault, kHourglass };
   Pointer MousePointer() const { return pointer_; }
   void SetMousePointer(Pointer pointer);
+  /// True while a handler holds an `Hourglass`.
+  bool Working() const { return hourglasses_ > 0; }
   int Beeps() const { return beeps_; }
   void Beep();
 
@@ -189,6 +196,9 @@ class Screen {
   void Forget(Control& control);
 
  private:
+  friend class Hourglass;
+
+  std::shared_ptr<Modal> PutInFront(Modal::What what, core::Origin* origin);
   core::Task<std::string> ShowUntilClosed(Modal::What what);
   void Close(Modal& modal, std::string_view answer);
   void NoteStage();
@@ -206,6 +216,7 @@ class Screen {
   std::vector<std::shared_ptr<Modal>> modals_;
   int lastModalId_ = 0;
   Pointer pointer_ = Pointer::kDefault;
+  int hourglasses_ = 0;
   int beeps_ = 0;
   int runsUnderWay_ = 0;
 

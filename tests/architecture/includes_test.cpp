@@ -26,7 +26,7 @@ const std::map<std::string, std::set<std::string>> kMayInclude = {
     {"models", {"core", "view", "state", "bus", "calibration", "pages"}},
     {"config", {"core", "view", "state", "bus", "pages"}},
     {"shell", {"core", "view", "state", "bus", "calibration", "pages", "models", "config"}},
-    {"platform", {"core", "view", "state", "bus"}},
+    {"platform", {"core", "view", "state", "bus", "config", "shell"}},
 };
 
 std::vector<fs::path> SourcesBelow(const fs::path& folder) {

@@ -89,6 +89,7 @@ TEST(Names, OfSharedValuesGiveTheirPresentValue) {
   bench.state.NrFinestra = 3;
   bench.state.PollRegister = state::Register(40002);
   bench.state.PollBuffer[3] = state::Word(0xFFFF);
+  bench.state.FileFields[1] = "1025";
   bench.state.ReadStep = 4;
   bench.state.EscPressed = 1;
   bench.state.GearStep = 5;
@@ -109,6 +110,7 @@ TEST(Names, OfSharedValuesGiveTheirPresentValue) {
       {"NrFinestra", "3"},
       {"PollRegister", "40002"},
       {"PollBuffer(3)", "65535"},
+      {"FileFields(1)", R"("1025")"},
       {"PollBuffer(19)", "0"},
       {"PollBuffer", "[0,0,0,65535,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0]"},
       {"ReadStep", "4"},

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <string>
 
+#include "support/quiet_settings.h"
 #include "support/temporary_folder.h"
 
 namespace tarvo::console {
@@ -21,6 +22,11 @@ using testing::StartsWith;
 
 class ConsoleProgram : public testing::Test {
  protected:
+  ConsoleProgram() {
+    std::filesystem::create_directory(folder / "Tarvo");
+    test::SettingsWithoutSearch(folder / "Tarvo" / "Tarvo.conf");
+  }
+
   struct Ended {
     int status = -1;
     std::string out;
@@ -93,7 +99,7 @@ TEST_F(ConsoleProgram, ExitsWithOneWhenALineOfAScriptFails) {
 }
 
 TEST_F(ConsoleProgram, ExitsWithZeroAfterAGoodScript) {
-  const Ended ended = Run(Write("script", "get StartComm\nshow\nquit\nclick Nothing\n") + " </dev/null");
+  const Ended ended = Run(Write("script", "click labBelk\nshow\nquit\nclick Nothing\n") + " </dev/null");
   EXPECT_EQ(ended.status, 0) << ended.errors;
   EXPECT_EQ(ended.errors, "");
   EXPECT_THAT(ended.out, HasSubstr("Five digital inputs"));
@@ -124,7 +130,7 @@ TEST_F(ConsoleProgram, TellsOfASettingsFileThatCannotBeRead) {
   std::filesystem::create_directory(folder / "folder");
   const Ended ended = Run("--json --settings " + (folder / "folder").string(), "echo get StartComm |");
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(ended.out, kStopped);
+  EXPECT_THAT(ended.out, HasSubstr("\"text\":\"Error Opening Registry Key Entry:"));
   EXPECT_THAT(ended.errors, HasSubstr((folder / "folder").string()));
 }
 

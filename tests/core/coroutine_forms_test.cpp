@@ -465,6 +465,44 @@ class Page {
   Instance instance_;
 };
 
+/// As an operation of a page that goes on only when the one before agrees: no other local, the answer named first.
+class Door {
+ public:
+  explicit Door(Scheduler& scheduler) : scheduler_(scheduler) {}
+
+  Task<> Pass(bool open) {
+    const bool agreed = co_await Ask(open);
+    if (!agreed) co_return;
+    ++passed;
+    co_await Close();
+  }
+
+  int passed = 0;
+  int closed = 0;
+
+ private:
+  Task<bool> Ask(bool open) {
+    co_await scheduler_.Sleep(milliseconds(1));
+    co_return open;
+  }
+  Task<> Close() {
+    co_await scheduler_.Sleep(milliseconds(1));
+    ++closed;
+  }
+
+  Scheduler& scheduler_;
+};
+
+TEST_F(CoroutineForms, AnAnswerIsNamedBeforeItIsLookedAt) {
+  Door door(scheduler_);
+  test::TaskRunner runner;
+  runner.Start(door.Pass(true));
+  runner.Start(door.Pass(false));
+  scheduler_.Run(milliseconds(10));
+  EXPECT_EQ(door.passed, 1);
+  EXPECT_EQ(door.closed, 1);
+}
+
 TEST_F(CoroutineForms, AMemberFunctionMayBeACoroutine) {
   Page page(scheduler_);
   EXPECT_EQ(ResultOf(page.Sum(5)), 112);

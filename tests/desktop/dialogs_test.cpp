@@ -9,10 +9,20 @@
 #include <QTemporaryDir>
 #include <optional>
 
+#include "desktop/widgets/text_label.h"
+#include "support/bare_window.h"
 #include "support/desktop_bench.h"
 
 namespace tarvo::test {
 namespace {
+
+/// A dialog with a line that tells how its work goes on.
+class DialogWithPanel : public BareWindow {
+ public:
+  using BareWindow::BareWindow;
+  view::Panel progress{*this, "StatusBar1", 1};
+  view::Node Arrangement() const override { return view::Column({view::Show(progress)}); }
+};
 
 class Dialogs : public DesktopBench {
  protected:
@@ -87,6 +97,21 @@ TEST_F(Dialogs, AModalWindowHasTheFocusInItsFieldWithTheTextSelected) {
   EXPECT_EQ(front.FrontDialog()->windowTitle(), "Change Value");
   EXPECT_EQ(QApplication::focusWidget(), Find("Text1"));
   EXPECT_EQ(Find<QLineEdit>("Text1")->selectedText(), "17");
+}
+
+TEST_F(Dialogs, APanelInADialogShowsItsText) {
+  DialogWithPanel working(screen);
+  page.Spawn(screen.ShowModal(working));
+  Settle();
+  working.progress.Text = "Try to Read value";
+  Settle();
+  auto* shown = Find<desktop::TextLabel>("StatusBar1(1)");
+  ASSERT_NE(shown, nullptr);
+  EXPECT_EQ(shown->Text(), "Try to Read value");
+  EXPECT_TRUE(shown->isVisible());
+  EXPECT_GE(shown->width(), shown->sizeHint().width());
+  front.FrontDialog()->close();
+  Settle();
 }
 
 TEST_F(Dialogs, EnterInTheFieldIsOK) {

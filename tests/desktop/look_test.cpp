@@ -1,43 +1,16 @@
 #include <QImage>
 #include <QSet>
-#include <cstdint>
 
 #include "desktop/colours.h"
 #include "desktop/style.h"
+#include "desktop/widgets/gear.h"
 #include "desktop/widgets/tabular.h"
-#include "support/desktop_bench.h"
+#include "support/look_bench.h"
 
 namespace tarvo::test {
 namespace {
 
 using desktop::Role;
-
-/// Gives the program's palette and font back when a test has changed them.
-class Look {
- public:
-  Look() : palette_(QApplication::palette()), font_(QApplication::font()) {}
-  ~Look() {
-    QApplication::setPalette(palette_);
-    QApplication::setFont(font_);
-  }
-
- private:
-  QPalette palette_;
-  QFont font_;
-};
-
-double Brightness(const QColor& colour) {
-  const auto part = [](double value) {
-    return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
-}
-
-double Contrast(const QColor& one, const QColor& other) {
-  const double a = Brightness(one);
-  const double b = Brightness(other);
-  return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
-}
 
 class Palettes : public testing::TestWithParam<bool> {
  protected:
@@ -58,11 +31,6 @@ QImage MiddleRow(const QWidget* widget) {
 QColor Middle(const QWidget* widget, int x) {
   return MiddleRow(widget).pixelColor(x, 0);
 }
-
-class LookBench : public DesktopBench {
- public:
-  void TestBody() override {}
-};
 
 TEST_P(Palettes, ALitMarkIsFilledAndADarkOneIsARing) {
   QApplication::setPalette(Palette());
@@ -109,6 +77,121 @@ TEST_P(Palettes, TheWholeWindowIsPainted) {
   EXPECT_EQ(picture.pixelColor(picture.width() - 3, picture.height() / 2), Palette().color(QPalette::Window));
 }
 
+/// The highest contrast of a widget's dots to the dot at its left edge.
+double DrawnContrast(const QWidget* widget) {
+  const QImage picture =
+      widget->window()->grab(QRect(widget->mapTo(widget->window(), QPoint()), widget->size())).toImage();
+  const QColor ground = picture.pixelColor(3, picture.height() / 2);
+  double highest = 1;
+  for (int y = 0; y < picture.height(); ++y) {
+    for (int x = 3; x < picture.width() - 3; ++x) {
+      highest = std::max(highest, Contrast(ground, picture.pixelColor(x, y)));
+    }
+  }
+  return highest;
+}
+
+TEST_P(Palettes, ThePageShownReadsWellAlsoWhileTheListIsLocked) {
+  QApplication::setPalette(Palette());
+  LookBench bench;
+  bench.Click("labBelk");
+  EXPECT_GE(DrawnContrast(bench.Find("labBelk")), 4.5);
+  for (view::Label& label : bench.main.labels) label.Enabled = false;
+  bench.Settle();
+  EXPECT_GE(DrawnContrast(bench.Find("labBelk")), 4.5);
+}
+
+TEST_P(Palettes, WhatIsDisabledIsGreyButReadable) {
+  QApplication::setPalette(Palette());
+  LookBench bench;
+  bench.page.Message.Caption = "OK";
+  bench.Settle();
+  for (const char* name : {"Firmware", "Message", "Stop", "Over(0)", "Negate", "Even", "labHome"}) {
+    view::Control* control = bench.page.Find(name);
+    if (control == nullptr) control = bench.main.Find(name);
+    ASSERT_NE(control, nullptr) << name;
+    const double enabled = DrawnContrast(bench.Find(name));
+    control->Enabled = false;
+    bench.Settle();
+    EXPECT_LT(DrawnContrast(bench.Find(name)), enabled) << name;
+    EXPECT_GE(DrawnContrast(bench.Find(name)), 2.5) << name;
+  }
+}
+
+TEST_P(Palettes, APaletteThatComesLaterLooksAsOneFromTheStart) {
+  // Each window stands alone and in front, with the focus at the same place.
+  const auto fill = [](LookBench& bench) {
+    bench.page.Stato[0].Picture = 2;
+    bench.page.Over[0].BackColor = view::kRed;
+    bench.page.Bar[0].SetPercent(50);
+    bench.page.Negate.Value = 1;
+    bench.page.Message.Caption = "ERROR! Wrong Comm.";
+    bench.main.labels[2].BackColor = view::kHighlight;
+    bench.page.Start.Enabled = false;
+    EXPECT_TRUE(QTest::qWaitForWindowActive(bench.front.Window()));
+    bench.Find("Stop")->setFocus();
+    bench.Settle();
+  };
+  QImage before;
+  QImage after;
+  {
+    QApplication::setPalette(GetParam() ? desktop::LightPalette() : desktop::DarkPalette());
+    LookBench bench;
+    fill(bench);
+    before = bench.front.Window()->grab().toImage();
+    QApplication::setPalette(Palette());
+    bench.Settle();
+    after = bench.front.Window()->grab().toImage();
+  }
+  LookBench bench;
+  fill(bench);
+  EXPECT_NE(after, before);
+  EXPECT_EQ(after, bench.front.Window()->grab().toImage());
+}
+
+TEST_P(Palettes, TheFocusShowsOnEveryControlThatTabReaches) {
+  QApplication::setPalette(Palette());
+  LookBench bench;
+  bench.page.Negate.Value = 1;
+  bench.page.Even.Value = true;
+  bench.Settle();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(bench.front.Window()));
+  for (const char* name : {"Family", "Check", "AutoSearch", "labHome", "Start", "Stop", "Tot(0)", "Over(0)", "Negate",
+                           "Fast", "Even", "Odd", "Filter", "Baud", "Entry"}) {
+    QWidget* widget = bench.Find(name);
+    bench.front.Window()->setFocus();
+    bench.Settle();
+    const QImage without = widget->grab().toImage();
+    widget->setFocus(Qt::TabFocusReason);
+    bench.Settle();
+    ASSERT_TRUE(widget->hasFocus()) << name;
+    const QImage with = widget->grab().toImage();
+    int dots = 0;
+    for (int y = 0; y < with.height(); ++y) {
+      for (int x = 0; x < with.width(); ++x) dots += with.pixel(x, y) != without.pixel(x, y) ? 1 : 0;
+    }
+    // A ring is longer than the widget is wide.
+    EXPECT_GE(dots, widget->width() / 2) << name;
+  }
+}
+
+TEST_P(Palettes, TheMouseShowsOnWhatItCanClick) {
+  QApplication::setPalette(Palette());
+  LookBench bench;
+  for (const char* name : {"labHome", "Stop", "Tot(0)", "Over(0)", "Negate", "Baud"}) {
+    QWidget* widget = bench.Find(name);
+    widget->setAttribute(Qt::WA_UnderMouse, false);
+    const QImage without = widget->grab().toImage();
+    // What the toolkit does when the mouse comes over a widget.
+    widget->setAttribute(Qt::WA_UnderMouse, true);
+    const QPointF at(widget->height() / 2.0, widget->height() / 2.0);
+    QHoverEvent hover(QEvent::HoverEnter, at, widget->mapToGlobal(at), QPointF(-1, -1));
+    QCoreApplication::sendEvent(widget, &hover);
+    EXPECT_NE(widget->grab().toImage(), without) << name;
+    widget->setAttribute(Qt::WA_UnderMouse, false);
+  }
+}
+
 TEST_P(Palettes, TextsStandOutFromTheirGround) {
   const QPalette palette = Palette();
   const QColor card = desktop::CardGround(palette);
@@ -117,9 +200,25 @@ TEST_P(Palettes, TextsStandOutFromTheirGround) {
   EXPECT_GE(Contrast(desktop::QuietText(palette), card), 4.5);
   EXPECT_GE(Contrast(palette.color(QPalette::HighlightedText), palette.color(QPalette::Highlight)), 4.5);
   EXPECT_GE(Contrast(palette.color(QPalette::Disabled, QPalette::Text), palette.color(QPalette::Window)), 2.5);
-  for (const Role role : {Role::kGood, Role::kFault, Role::kBar}) {
+  for (const Role role : {Role::kGood, Role::kFault, Role::kCaution, Role::kBar, Role::kSelected}) {
     EXPECT_GE(Contrast(desktop::ToneOf(role, palette), card), 3.0) << static_cast<int>(role);
   }
+}
+
+TEST_P(Palettes, AGearShowsThatItTurnsAndStandsTheSameWhenRewound) {
+  QApplication::setPalette(Palette());
+  LookBench bench;
+  auto* gear = dynamic_cast<desktop::Gear*>(bench.Find("Gears"));
+  ASSERT_NE(gear, nullptr);
+  const QImage still = gear->grab().toImage();
+  bench.page.Gears.Playing = true;
+  bench.Settle();
+  const QImage first = gear->grab().toImage();
+  EXPECT_EQ(first.pixelColor(gear->width() / 2, gear->height() / 6), Palette().color(QPalette::Highlight));
+  EXPECT_NE(first, still);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return gear->grab().toImage() != first; }, 2000));
+  gear->Rewind();
+  EXPECT_EQ(gear->grab().toImage(), first);
 }
 
 TEST(Colours, DisabledTextsStayReadableOnAnyDesktop) {
@@ -132,11 +231,16 @@ TEST(Colours, DisabledTextsStayReadableOnAnyDesktop) {
   }
 }
 
+TEST(Colours, DisabledTextsCastNoShadow) {
+  EXPECT_EQ(QApplication::style()->styleHint(QStyle::SH_EtchDisabledText), 0);
+}
+
 TEST(Colours, TheSystemsNumbersHaveTheirRoles) {
   EXPECT_EQ(desktop::RoleOf(view::kRed), Role::kFault);
   EXPECT_EQ(desktop::RoleOf(view::kDarkRed), Role::kDark);
   EXPECT_EQ(desktop::RoleOf(view::kGreen), Role::kGood);
   EXPECT_EQ(desktop::RoleOf(view::kBarBlue), Role::kBar);
+  EXPECT_EQ(desktop::RoleOf(view::kHighlight), Role::kSelected);
   EXPECT_EQ(desktop::RoleOf(static_cast<view::Colour>(0x8000000F)), Role::kDark);
 }
 

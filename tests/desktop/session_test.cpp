@@ -16,6 +16,10 @@
 #include "platform/com_ports.h"
 #include "platform/settings_file.h"
 #include "shell/program.h"
+#include "support/memory_files.h"
+#include "support/memory_help.h"
+#include "support/memory_values.h"
+#include "support/window_hands.h"
 
 namespace tarvo::test {
 namespace {
@@ -51,15 +55,14 @@ class WholeWindow {
  public:
   explicit WholeWindow(const std::string& port)
       : ports_(scheduler_, {port}, settings_, [] { return std::vector<platform::SerialPort>(); }) {
+    values_.Keep("AUTOSCAN", "FALSE");
     program_.Start();
+    Click("labBelk");
   }
 
   template <class Widget = QWidget>
   Widget* Find(const char* name) {
-    if (QDialog* dialog = front_.FrontDialog()) {
-      if (auto* found = dialog->template findChild<Widget*>(name)) return found;
-    }
-    return front_.Window()->template findChild<Widget*>(name);
+    return FindIn<Widget>(front_, name);
   }
   bool Until(const std::function<bool()>& done) { return QTest::qWaitFor(done, kPatience); }
   bool Appears(const char* name) {
@@ -71,7 +74,7 @@ class WholeWindow {
   void Click(const char* name) {
     QWidget* widget = Find(name);
     ASSERT_NE(widget, nullptr) << name;
-    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, QPoint(widget->height() / 2, widget->height() / 2));
+    ClickOn(widget);
   }
   shell::Program& Program() { return program_; }
   desktop::Front& Front() { return front_; }
@@ -80,7 +83,10 @@ class WholeWindow {
   desktop::QtScheduler scheduler_;
   platform::SettingsFile settings_{"/nonexistent/Tarvo.conf"};
   platform::ComPorts ports_;
-  shell::Program program_{{scheduler_, ports_, "."}};
+  test::MemoryValues values_;
+  test::MemoryHelp help_;
+  test::MemoryFiles files_;
+  shell::Program program_{{scheduler_, ports_, values_, help_, files_, "."}};
   desktop::Front front_{program_.GetScreen(), [this] { return program_.Ended(); }};
 };
 

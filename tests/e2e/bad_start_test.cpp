@@ -24,9 +24,15 @@ class BadStart : public test::BelkBench {
     EXPECT_EQ(Do("answer OK"), kNothing);
     ExpectOffline();
   }
+  /// `reason` is what panel 1 of the status bar says after it.
+  void ExpectRefusedStart(const std::string& reason) {
+    ExpectRefusedStart();
+    EXPECT_EQ(Get("StatusBar1(1).Text"), reason);
+  }
   void ExpectGoodStart(const std::string& module = "belk") {
     StartSimulator(module);
     StartSession();
+    EXPECT_EQ(Get("StatusBar1(1).Text"), "");
   }
 };
 
@@ -102,7 +108,7 @@ TEST_F(BadStart, OnAnotherParityTellsIt) {
 
 TEST_F(BadStart, WithoutADeviceTellsIt) {
   OpenConsole();
-  ExpectRefusedStart();
+  ExpectRefusedStart(Device() + " is not there. Plug in the adapter and try again.");
   ExpectGoodStart();
 }
 
@@ -111,7 +117,7 @@ TEST_F(BadStart, OnSomethingThatIsNoSerialPortTellsIt) {
   for (const std::string& device : {std::string("/dev/null"), (folder / "file").string(), folder.Path().string()}) {
     SCOPED_TRACE(device);
     OpenConsole(device);
-    ExpectRefusedStart();
+    ExpectRefusedStart(device + " is no serial port. Give COM1 another device.");
   }
   std::string text;
   std::ifstream(folder / "file") >> text;
@@ -122,7 +128,8 @@ TEST_F(BadStart, OnAPortThatAnotherProgramHoldsTellsItAndLeavesThatOneAlone) {
   OpenSession("belk:40003=123");
   const std::unique_ptr<test::ConsoleProcess> first = std::move(console);
   OpenConsole();
-  ExpectRefusedStart();
+  ExpectRefusedStart(Device() + " is held by tarvo-console (process " + std::to_string(first->Process().Id()) +
+                     "). Close that and try again.");
   for (int i = 0; i < 5; ++i) {
     first->Do("wait 60ms");
     EXPECT_EQ(first->Get("MessageBelk.Caption"), "OK");
@@ -130,6 +137,7 @@ TEST_F(BadStart, OnAPortThatAnotherProgramHoldsTellsItAndLeavesThatOneAlone) {
   EXPECT_EQ(first->Get("TotIN(0).Caption"), "123");
   EXPECT_EQ(first->Do("click StopBelk"), kNothing);
   StartSession();
+  EXPECT_EQ(Get("StatusBar1(1).Text"), "");
 }
 
 TEST_F(BadStart, OnADeviceThatBabblesTellsIt) {
@@ -168,18 +176,26 @@ class BelkSettingsFile : public test::BelkBench {
     console = std::make_unique<test::ConsoleProcess>(arguments);
     EXPECT_EQ(Do("click labBelk"), kNothing);
   }
+  /// The program goes on with its defaults, so it searches.
+  void OpenDespiteBox() {
+    console = std::make_unique<test::ConsoleProcess>(
+        std::vector<std::string>{"--settings", (folder / "settings").string(), "--com1", Device()});
+    EXPECT_THAT(Do("get AutoScan"), HasSubstr("Registry Key Entry:"));
+    Do("answer OK");
+    EXPECT_EQ(Do("click labBelk"), kNothing);
+  }
 };
 
 TEST_F(BelkSettingsFile, MapsThePort) {
   StartSimulator("belk");
-  std::ofstream(folder / "settings") << "# the bench\nCOM1=" << Device() << "\n";
+  std::ofstream(folder / "settings") << "# the bench\nAUTOSCAN=FALSE\nCOM1=" << Device() << "\n";
   OpenWith({"--settings", (folder / "settings").string()});
   StartSession();
 }
 
 TEST_F(BelkSettingsFile, GivesWayToTheCommandLine) {
   StartSimulator("belk");
-  std::ofstream(folder / "settings") << "COM1=/dev/null\n";
+  std::ofstream(folder / "settings") << "AUTOSCAN=FALSE\nCOM1=/dev/null\n";
   OpenWith({"--settings", (folder / "settings").string(), "--com1", Device()});
   StartSession();
 }
@@ -187,7 +203,7 @@ TEST_F(BelkSettingsFile, GivesWayToTheCommandLine) {
 TEST_F(BelkSettingsFile, ThatCannotBeReadIsToldAndDoesNoHarm) {
   StartSimulator("belk");
   std::filesystem::create_directory(folder / "settings");
-  OpenWith({"--settings", (folder / "settings").string(), "--com1", Device()});
+  OpenDespiteBox();
   StartSession();
   StopSession();
   console->Process().EndInput();
@@ -203,7 +219,7 @@ TEST_F(BelkSettingsFile, OfGarbageDoesNoHarm) {
   std::string garbage(20000, '\0');
   std::generate(garbage.begin(), garbage.end(), [&] { return static_cast<char>(random() & 0xFF); });
   std::ofstream(folder / "settings") << garbage << "\nCOM1\nCOM1=\nCOM9=/dev/null\n=\n";
-  OpenWith({"--settings", (folder / "settings").string(), "--com1", Device()});
+  OpenDespiteBox();
   StartSession();
 }
 

@@ -20,8 +20,9 @@ class Script : public test::BelkBench {
   /// The console on a script of that text.
   std::unique_ptr<ChildProcess> Play(const std::string& text) {
     std::ofstream(folder / "script") << text;
-    return std::make_unique<ChildProcess>(std::vector<std::string>{
-        TARVO_CONSOLE, "--settings", (folder / "settings").string(), "--com1", Device(), (folder / "script").string()});
+    return std::make_unique<ChildProcess>(std::vector<std::string>{TARVO_CONSOLE, "--settings",
+                                                                   test::SettingsWithoutSearch(folder / "settings"),
+                                                                   "--com1", Device(), (folder / "script").string()});
   }
 };
 

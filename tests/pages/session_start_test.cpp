@@ -303,7 +303,7 @@ TEST_F(SessionStartRefused, ByAPortThatAnotherProgramHolds) {
     Click("StartBelk");
     ExpectTakenDown();
   }
-  ports.SetFault(1, {});
+  ports.SetFault(1, "");
   ExpectStartWorks();
 }
 

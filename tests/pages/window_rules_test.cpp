@@ -18,7 +18,7 @@ class WindowRules : public BelkFixture {
   }
 };
 
-TEST_F(WindowRules, OpensWithTheBelkPage) {
+TEST_F(WindowRules, ShowAPageWithoutTouchingItsPort) {
   EXPECT_EQ(Page().Name(), "Belk");
   EXPECT_EQ(State().NrFinestra, 0);
   EXPECT_EQ(State().StartComm, state::kFalse);
@@ -175,9 +175,10 @@ TEST_F(WindowRules, TheEndOfTheProgramClosesThePort) {
   ownModule[kIdentity] = 0x0103;
   ports.Connect(1, *ownLine);
   {
-    shell::Program other{shell::Services{scheduler, ports, "."}};
+    shell::Program other{shell::Services{scheduler, ports, values, help, files, "."}};
     other.Start();
     scheduler.RunReady();
+    other.GetScreen().Click(*other.FindWindow("MDIForm1")->Find("labBelk"));
     other.GetScreen().Click(*other.FindWindow("Belk")->Find("StartBelk"));
     Run(std::chrono::seconds(1));
     ASSERT_EQ(other.State().StartComm, state::kTrue);

@@ -84,6 +84,7 @@ TEST(SettingsText, RefusesWhatNoLineCanHold) {
   EXPECT_THROW(WithSetting("", "A", "1\0"sv), std::invalid_argument);
   EXPECT_THROW(WithSetting("", "A=B", "1"), std::invalid_argument);
   EXPECT_THROW(WithSetting("", "#A", "1"), std::invalid_argument);
+  EXPECT_THROW(WithSetting("", "\xEF\xBB\xBF", "1"), std::invalid_argument) << "it would be the text's own mark";
   EXPECT_THROW(WithSetting("", "", "1"), std::invalid_argument);
 }
 

@@ -12,6 +12,13 @@ ParsedOptions Parse(const std::vector<std::string_view>& arguments) {
   return ParseOptions(arguments);
 }
 
+/// " belk cobin ..."
+std::string KnownModels() {
+  std::string known;
+  for (const std::string& name : ModelNames()) known += ' ' + name;
+  return known;
+}
+
 TEST(SimulatorOptions, PlayABelkWithNothingMoreTold) {
   const ParsedOptions parsed = Parse({"--com1", "belk"});
   EXPECT_EQ(parsed.error, "");
@@ -68,16 +75,18 @@ TEST(SimulatorOptions, AskForHelpWhateverElseIsTold) {
 
 TEST(SimulatorOptions, TellInTheHelpEachOptionAndModel) {
   const std::string help = HelpText();
-  for (const char* word : {"--com1", "--com4", "--link", "--seed", "--still", "addr=", "line=", "fw=", "belk"}) {
+  for (const char* word : {"--com1", "--com4", "--link", "--seed", "--still", "addr=", "line=", "fw="}) {
     EXPECT_THAT(help, ::testing::HasSubstr(word));
   }
+  EXPECT_THAT(help, ::testing::HasSubstr("\nModels:" + KnownModels() + "\n"));
 }
 
 TEST(SimulatorOptions, TellWhatIsWrongInOneLine) {
   struct Row {
     std::vector<std::string_view> arguments;
-    const char* error;
+    std::string error;
   };
+  const std::string known = KnownModels();
   const std::vector<Row> rows = {
       {{}, "no module to play, tell one such as: --com1 belk"},
       {{"--link", "/tmp"}, "no module to play, tell one such as: --com1 belk"},
@@ -92,8 +101,8 @@ TEST(SimulatorOptions, TellWhatIsWrongInOneLine) {
       {{"--com1", "belk", "--link"}, "--link needs a value"},
       {{"--com1", "belk", "--seed", "x"}, "'x' is no seed, a whole number"},
       {{"--com1", "belk", "--seed", "-1"}, "'-1' is no seed, a whole number"},
-      {{"--com1", "bolk"}, "no model 'bolk', there is: belk"},
-      {{"--com1", ":addr=1"}, "no model '', there is: belk"},
+      {{"--com1", "bolk"}, "no model 'bolk', there is:" + known},
+      {{"--com1", ":addr=1"}, "no model '', there is:" + known},
       {{"--com1", "belk:addr=0"}, "belk: '0' is no address, 1 to 255"},
       {{"--com1", "belk:addr=256"}, "belk: '256' is no address, 1 to 255"},
       {{"--com1", "belk:addr=1x"}, "belk: '1x' is no address, 1 to 255"},

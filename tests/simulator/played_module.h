@@ -11,7 +11,7 @@ inline bus::LineSettings LineOf(std::string_view text) {
   return *bus::LineSettings::Parse(text);
 }
 
-/// A Belk that stands still, with some registers set.
+/// A module that stands still, with some registers set.
 inline ModuleOptions StillWith(const std::vector<std::pair<int, unsigned>>& presets) {
   ModuleOptions options;
   options.still = true;
@@ -26,10 +26,10 @@ inline ModuleOptions AliveWith(const std::vector<std::pair<int, unsigned>>& pres
   return options;
 }
 
-/// A Belk in virtual time that a test reads and writes as a master does, by frames.
-class PlayedBelk {
+/// A module in virtual time that a test reads and writes as a master does, by frames.
+class PlayedModule {
  public:
-  explicit PlayedBelk(const ModuleOptions& options) : module_(MakeModel("belk"), options, now_) {}
+  PlayedModule(std::string_view model, const ModuleOptions& options) : module_(MakeModel(model), options, now_) {}
 
   Module& GetModule() { return module_; }
   void Pass(core::Duration time) { now_ += time; }
@@ -46,6 +46,10 @@ class PlayedBelk {
     for (int reg = first; reg <= last; ++reg) values.push_back(Read(reg));
     return values;
   }
+  /// What `Read` would give, without a word on the line.
+  int Peek(int reg) { return module_.Get(state::Register(reg), now_).Unsigned(); }
+  /// The world outside gives a register this value.
+  void Set(int reg, unsigned value) { module_.Set(state::Register(reg), state::Word(value), now_); }
 
   /// True when the module has echoed the request.
   bool Write(int reg, int value) {
@@ -53,9 +57,10 @@ class PlayedBelk {
     return Execute(request) == request;
   }
 
-  /// Writes 1 to the reset register and waits until the module is back.
+  /// Writes what restarts it to its reset register and waits until it is back.
   void Reset() {
-    Write(40011, 1);
+    const ModelData& data = module_.GetModel().Data();
+    Write(data.reset.Number(), static_cast<int>(data.resetValue));
     Pass(Module::kRestartTime);
     module_.Advance(now_);
   }
@@ -63,6 +68,11 @@ class PlayedBelk {
  private:
   core::TimePoint now_{std::chrono::hours(1)};
   Module module_;
+};
+
+class PlayedBelk : public PlayedModule {
+ public:
+  explicit PlayedBelk(const ModuleOptions& options) : PlayedModule("belk", options) {}
 };
 
 }  // namespace tarvo::simulator

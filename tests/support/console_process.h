@@ -46,22 +46,23 @@ class ConsoleReply {
 /// The console as a program that talks JSON. A test program that uses it tells the program's path as TARVO_CONSOLE.
 class ConsoleProcess {
  public:
-  /// `arguments` follow "--json".
-  explicit ConsoleProcess(std::vector<std::string> arguments) : process_(Command(std::move(arguments))) {}
+  /// `arguments` follow "--json". `runner` is a program with its arguments that starts the console, none by default.
+  explicit ConsoleProcess(std::vector<std::string> arguments, const std::vector<std::string>& runner = {})
+      : process_(Command(std::move(arguments), runner)) {}
 
   ChildProcess& Process() { return process_; }
 
   /// The reply to a command that may well fail.
-  ConsoleReply Try(const std::string& command) {
+  ConsoleReply Try(const std::string& command, ChildProcess::Milliseconds patience = ChildProcess::kPatience) {
     Send(command);
-    return Receive(command);
+    return Receive(command, patience);
   }
   /// The two halves of it, for what a test does meanwhile.
   void Send(const std::string& command) {
     EXPECT_TRUE(process_.Write(command + '\n')) << command << ": the console takes no more";
   }
-  ConsoleReply Receive(const std::string& command) {
-    std::string line = process_.ReadUntil("\n");
+  ConsoleReply Receive(const std::string& command, ChildProcess::Milliseconds patience = ChildProcess::kPatience) {
+    std::string line = process_.ReadUntil("\n", patience);
     EXPECT_TRUE(line.ends_with('\n')) << command << ": no reply";
     if (line.ends_with('\n')) line.pop_back();
     return ConsoleReply(line);
@@ -81,8 +82,9 @@ class ConsoleProcess {
   int Number(const std::string& name) { return std::atoi(Get(name).c_str()); }
 
  private:
-  static std::vector<std::string> Command(std::vector<std::string> arguments) {
+  static std::vector<std::string> Command(std::vector<std::string> arguments, const std::vector<std::string>& runner) {
     arguments.insert(arguments.begin(), {TARVO_CONSOLE, "--json"});
+    arguments.insert(arguments.begin(), runner.begin(), runner.end());
     return arguments;
   }
 

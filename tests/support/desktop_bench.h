@@ -12,6 +12,7 @@
 #include "desktop/front.h"
 #include "desktop/text.h"
 #include "support/test_windows.h"
+#include "support/window_hands.h"
 
 namespace tarvo::test {
 
@@ -35,17 +36,13 @@ class DesktopBench : public testing::Test {
   /// The widget of that name in the window or in the dialog in front; null when there is none.
   template <class Widget = QWidget>
   Widget* Find(const std::string& name) {
-    const QString wanted = desktop::ToQt(name);
-    if (QDialog* inFront = front.FrontDialog()) {
-      if (auto* found = inFront->template findChild<Widget*>(wanted)) return found;
-    }
-    return front.Window()->template findChild<Widget*>(wanted);
+    return FindIn<Widget>(front, name);
   }
 
   void Click(const std::string& name) {
     QWidget* widget = Find(name);
     ASSERT_NE(widget, nullptr) << name;
-    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, QPoint(widget->height() / 2, widget->height() / 2));
+    ClickOn(widget);
     Settle();
   }
   void Press(const std::string& name, Qt::Key key) {

@@ -43,6 +43,7 @@ class MemoryLine {
   bool IsOpen() const { return port_ != nullptr; }
   int Opens() const { return opens_; }
   int Closes() const { return closes_; }
+  void ForgetCounts() { opens_ = closes_ = 0; }
   /// Speed and parity that the program set last.
   const bus::LineSettings& Line() const { return line_; }
 
@@ -194,28 +195,39 @@ class MemoryPorts final : public bus::PortOpener {
   void Connect(int comPort, MemoryLine& line) { lines_[comPort] = &line; }
   void Disconnect(int comPort) { lines_.erase(comPort); }
   /// Opening `comPort` fails with this description (`core::kPermissionDenied`, say) until it is set to nothing.
-  void SetFault(int comPort, std::string description) { faults_[comPort] = std::move(description); }
+  void SetFault(int comPort, const std::string& description) {
+    faults_.erase(comPort);
+    if (!description.empty()) SetFault(comPort, core::Fault(description));
+  }
+  /// The same with all that a fault may carry.
+  void SetFault(int comPort, core::Fault fault) { faults_.insert_or_assign(comPort, std::move(fault)); }
 
   /// Attempts to open, good or not.
   int Attempts() const { return attempts_; }
+  void ForgetAttempts() { attempts_ = 0; }
+  /// Called at the beginning of each attempt.
+  std::function<void(int comPort)> BeforeOpen;
 
   Opened Open(int comPort, const bus::LineSettings& line) override {
     ++attempts_;
+    if (BeforeOpen) BeforeOpen(comPort);
     Opened opened;
-    std::string fault = faults_[comPort];
+    const auto fault = faults_.find(comPort);
     const auto found = lines_.find(comPort);
-    if (fault.empty() && (found == lines_.end() || found->second->Lost())) fault = core::kDeviceNotFound;
-    if (fault.empty()) {
+    if (fault != faults_.end()) {
+      opened.status = core::Status::Failed(fault->second);
+    } else if (found == lines_.end() || found->second->Lost()) {
+      opened.status = core::Status::Failed(core::Fault(core::kDeviceNotFound));
+    } else {
       opened.port = found->second->Open(line);
-      if (!opened.port) fault = core::kPortAlreadyOpen;
+      if (!opened.port) opened.status = core::Status::Failed(core::Fault(core::kPortAlreadyOpen));
     }
-    if (!fault.empty()) opened.status = core::Status::Failed(core::Fault(fault));
     return opened;
   }
 
  private:
   std::map<int, MemoryLine*> lines_;
-  std::map<int, std::string> faults_;
+  std::map<int, core::Fault> faults_;
   int attempts_ = 0;
 };
 

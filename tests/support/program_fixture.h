@@ -18,8 +18,11 @@
 #include "bus/modcom/modcom.h"
 #include "core/virtual_scheduler.h"
 #include "shell/program.h"
+#include "support/memory_files.h"
+#include "support/memory_help.h"
 #include "support/memory_module.h"
 #include "support/memory_port.h"
+#include "support/memory_values.h"
 #include "view/screen.h"
 
 namespace tarvo::test {
@@ -74,16 +77,16 @@ class History final : public view::Watcher {
   view::Screen::Subscription subscription_;
 };
 
-/// The whole program in virtual time with a module in memory on COM1. A test drives it and reads it by the names of its
-/// controls, as the console does: a bare name is looked up in the modal window in front, then in the page on the
-/// screen, then in the main window; "ChangeValue.Text1" names the window as well.
-class ProgramFixture : public testing::Test {
+/// The whole program in virtual time, not started yet, and a module in memory that is on no port yet. A test drives the
+/// program and reads it by the names of its controls, as the console does: a bare name is looked up in the modal window
+/// in front, then in the page on the screen, then in the main window; "ChangeValue.Text1" names the window as well.
+class ProgramBench : public testing::Test {
  protected:
   /// No handler of a gesture takes longer, however silent its module.
   static constexpr core::Duration kLongest = std::chrono::minutes(2);
 
-  ProgramFixture() {
-    ports.Connect(1, line);
+  /// The program's start-up, as far as it goes in no time. Once.
+  void OpenProgram() {
     program.Start();
     scheduler.RunReady();
   }
@@ -239,11 +242,14 @@ class ProgramFixture : public testing::Test {
   core::VirtualScheduler scheduler;
   MemoryLine line{scheduler};
   MemoryPorts ports;
+  MemoryValues values;
+  MemoryHelp help;
+  MemoryFiles files;
   MemoryModule module{scheduler, line};
 
  private:
   const std::unique_ptr<shell::Program> program_ =
-      std::make_unique<shell::Program>(shell::Services{scheduler, ports, "/programs/tarvo"});
+      std::make_unique<shell::Program>(shell::Services{scheduler, ports, values, help, files, "/programs/tarvo"});
 
  protected:
   shell::Program& program = *program_;
@@ -273,6 +279,16 @@ class ProgramFixture : public testing::Test {
   }
 
   const core::TimePoint began_ = scheduler.Now();
+};
+
+/// The program as it is for a user who has turned the search at start-up off, with a module in memory on COM1.
+class ProgramFixture : public ProgramBench {
+ protected:
+  ProgramFixture() {
+    ports.Connect(1, line);
+    values.Keep("AUTOSCAN", "FALSE");
+    OpenProgram();
+  }
 };
 
 /// EXPECT_THAT(BoxInFront(), IsBox("Overflow", view::Icon::kExclamation))

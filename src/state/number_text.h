@@ -6,7 +6,7 @@
 
 #include "state/word.h"
 
-namespace tarvo::pages {
+namespace tarvo::state {
 
 /// True for an optional sign and decimal digits with at most one decimal separator, "." or ",", blanks around it left
 /// aside.
@@ -16,11 +16,20 @@ bool IsNumeric(std::string_view text);
 /// numeric, "Overflow" for a value that does not fit.
 std::int32_t ToInteger(std::string_view text);
 
+/// The real number of a numeric text; throws "Type mismatch" for one that is not.
+double ToNumber(std::string_view text);
+
+/// `text` with its first "." turned into ","; a later one stays.
+std::string PointToComma(std::string_view text);
+
 /// The word that is sent for a number of a page: a negative value has 65536 added. Throws as `ToInteger` does, and
 /// "Overflow" outside -32768 to 65535.
-state::Word ToWord(std::string_view text);
+Word ToWord(std::string_view text);
+
+/// The low 16 bits of a numeric text's integer. Throws as `ToInteger` does.
+Word LowWord(std::string_view text);
 
 /// Nearest integer, ties to even.
 int RoundTiesToEven(double value);
 
-}  // namespace tarvo::pages
+}  // namespace tarvo::state

@@ -1,13 +1,14 @@
-#include "pages/number_text.h"
+#include "state/number_text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <optional>
 
 #include "core/fault.h"
 
-namespace tarvo::pages {
+namespace tarvo::state {
 
 namespace {
 
@@ -83,14 +84,34 @@ std::int32_t ToInteger(std::string_view text) {
   return static_cast<std::int32_t>(value);
 }
 
-state::Word ToWord(std::string_view text) {
+double ToNumber(std::string_view text) {
+  const std::optional<Decimal> decimal = Parse(text);
+  if (!decimal) throw core::Fault(core::kTypeMismatch);
+  const auto add = [](double number, char digit) { return number * 10 + (digit - '0'); };
+  const double whole = std::accumulate(decimal->whole.begin(), decimal->whole.end(), 0.0, add);
+  const double behind = std::accumulate(decimal->fraction.begin(), decimal->fraction.end(), 0.0, add) /
+                        std::pow(10.0, static_cast<double>(decimal->fraction.size()));
+  return decimal->negative ? -(whole + behind) : whole + behind;
+}
+
+std::string PointToComma(std::string_view text) {
+  std::string result(text);
+  if (const std::size_t point = result.find('.'); point != std::string::npos) result[point] = ',';
+  return result;
+}
+
+Word ToWord(std::string_view text) {
   const std::int32_t value = ToInteger(text);
   if (value < -32768 || value > 65535) throw core::Fault(core::kOverflow);
-  return state::Word(static_cast<unsigned>(value) & 0xFFFFU);
+  return Word(static_cast<unsigned>(value) & 0xFFFFU);
+}
+
+Word LowWord(std::string_view text) {
+  return Word(static_cast<unsigned>(ToInteger(text)) & 0xFFFFU);
 }
 
 int RoundTiesToEven(double value) {
   return static_cast<int>(std::nearbyint(value));
 }
 
-}  // namespace tarvo::pages
+}  // namespace tarvo::state

@@ -1,0 +1,356 @@
+#include "support/gaven_fixture.h"
+
+namespace tarvo::test {
+namespace {
+
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class GavenSession : public GavenFixture {
+ protected:
+  /// Presses Start and lets time go by until the module has taken so many requests.
+  void StartUntilRequest(int requests) {
+    const int before = module.Requests();
+    ClickAndGoOn("StartGaven");
+    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
+  }
+};
+
+TEST_F(GavenSession, IsThePageNumbered4) {
+  EXPECT_EQ(Page().Name(), "Gaven");
+  EXPECT_EQ(State().NrFinestra, 4);
+  Click("LabHome");
+  EXPECT_EQ(State().NrFinestra, -1);
+  Click("MenuGaven");
+  EXPECT_EQ(Page().Name(), "Gaven");
+  EXPECT_EQ(State().NrFinestra, 4);
+  EXPECT_EQ(State().FamilyShown, state::kTrue);
+}
+
+TEST_F(GavenSession, HasItsTimersAtTheirIntervals) {
+  EXPECT_EQ(Interval("TimerLetturaSeriale"), 50);
+  EXPECT_EQ(Interval("TimerGestioneLetture"), 200);
+  EXPECT_EQ(Interval("TimerIngranaggi"), 200);
+  EXPECT_EQ(Interval("TimerControllo"), 250);
+  for (const char* timer : {"TimerLetturaSeriale", "TimerGestioneLetture", "TimerIngranaggi", "TimerControllo"}) {
+    EXPECT_FALSE(Enabled(timer)) << timer;
+  }
+}
+
+TEST_F(GavenSession, ReadsIdentityFirstBlockStoredAddressAndSecondBlock) {
+  Click("StartGaven");
+  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066", "reads 40013 x12"));
+}
+
+TEST_F(GavenSession, PollsTheSecondBlockFromThenOn) {
+  StartSession();
+  EXPECT_EQ(State().PollRegister.Number(), 40013);
+  EXPECT_EQ(State().PollCount, 12);
+  Run(std::chrono::seconds(1));
+  const std::vector<std::string> log = module.TakeLog();
+  EXPECT_THAT(log, SizeIs(20));
+  EXPECT_THAT(log, Each(kGavenPoll));
+}
+
+TEST_F(GavenSession, ReadsTheFirstBlockAgainAtTheNextStart) {
+  StartSession();
+  Click("StopGaven");
+  module.ForgetLog();
+  Click("StartGaven");
+  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066", "reads 40013 x12"));
+}
+
+TEST_F(GavenSession, HasSetTheFirstBlockBeforeTheIdentityIsRead) {
+  ClickAndGoOn("StartGaven");
+  EXPECT_EQ(State().PollRegister.Number(), 40002);
+  EXPECT_EQ(State().PollCount, 11);
+  EXPECT_FALSE(InSession());
+  EXPECT_TRUE(Hourglass());
+}
+
+TEST_F(GavenSession, HasShownTheFirmwareWhenTheFirstBlockIsRead) {
+  State().ReadStep = 5;
+  State().RunKind = 77;
+  StartUntilRequest(2);
+  EXPECT_EQ(Text("FirmwGaven"), "Firmware rel: 2");
+  EXPECT_THAT(List("BaudGaven"), SizeIs(7));
+  EXPECT_TRUE(InSession());
+  EXPECT_EQ(State().ReadStep, 0);
+  EXPECT_EQ(State().RunKind, 77);
+  EXPECT_TRUE(TimersRest());
+}
+
+TEST_F(GavenSession, HasShownTheFirstBlockWhenTheStoredAddressIsRead) {
+  Set(kFilter1, 3);
+  Set(kStartScale1, 5);
+  Set(kStartScale1 + 1, 6);
+  StartUntilRequest(3);
+  EXPECT_EQ(ListIndex("FilterGaven(0)"), 3);
+  EXPECT_EQ(Text(Value(0)), "5");
+  EXPECT_EQ(Text(Value(6)), "0");
+  EXPECT_TRUE(TimersRest());
+}
+
+TEST_F(GavenSession, StartsItsTimersOnlyAtTheEndOfStart) {
+  const History reading(At("TimerLetturaSeriale"), "Enabled");
+  const History decoding(At("TimerGestioneLetture"), "Enabled");
+  StartUntilRequest(4);
+  EXPECT_EQ(State().PollRegister.Number(), 40013);
+  EXPECT_EQ(State().PollCount, 12);
+  EXPECT_TRUE(TimersRest());
+  ASSERT_TRUE(RunUntil([this] { return !Hourglass(); }));
+  EXPECT_TRUE(TimersRun());
+  EXPECT_THAT(reading.Values<bool>(), ElementsAre(true));
+  EXPECT_THAT(decoding.Values<bool>(), ElementsAre(true));
+}
+
+TEST_F(GavenSession, HasDoneAllWhenStartEnds) {
+  Click("StartGaven");
+  EXPECT_EQ(State().StartComm, state::kTrue);
+  EXPECT_EQ(State().RunKind, 5);
+  EXPECT_FALSE(Enabled("StartGaven"));
+  EXPECT_TRUE(Enabled("StopGaven"));
+  EXPECT_FALSE(Enabled("MDIForm1.labGaven"));
+  EXPECT_FALSE(Enabled("MDIForm1.MenuGaven"));
+  EXPECT_TRUE(Playing("MediaPlayer1"));
+  EXPECT_FALSE(Hourglass());
+  EXPECT_TRUE(NothingInFront());
+  EXPECT_FALSE(Enabled("TimerIngranaggi"));
+  EXPECT_FALSE(Enabled("TimerControllo"));
+}
+
+TEST_F(GavenSession, ClearsItsMessageAtStartUntilTheFirstPollByTimer) {
+  StartSession();
+  EXPECT_EQ(Text("MessageGaven"), "");
+  RunThroughADecode();
+  EXPECT_EQ(Text("MessageGaven"), "OK");
+  Click("StopGaven");
+  StartSession();
+  EXPECT_EQ(Text("MessageGaven"), "");
+}
+
+TEST_F(GavenSession, TellsNoConnectionLineInTheStatusBar) {
+  const std::string before = Text("MDIForm1.StatusBar1(2)");
+  StartSession();
+  EXPECT_EQ(Text("MDIForm1.StatusBar1(2)"), before);
+}
+
+TEST_F(GavenSession, EndsWithStop) {
+  StartSession();
+  Click("StopGaven");
+  EXPECT_EQ(State().StartComm, state::kFalse);
+  EXPECT_FALSE(PortOpen());
+  EXPECT_TRUE(TimersRest());
+  EXPECT_FALSE(Enabled("TimerControllo"));
+  EXPECT_TRUE(Enabled("StartGaven"));
+  EXPECT_TRUE(Enabled("MDIForm1.labGaven"));
+  EXPECT_FALSE(Playing("MediaPlayer1"));
+  module.ForgetLog();
+  Run(std::chrono::seconds(1));
+  EXPECT_THAT(module.TakeLog(), IsEmpty());
+}
+
+TEST_F(GavenSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
+  StartUntilRequest(3);
+  Click("StopGaven");
+  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  EXPECT_FALSE(InSession());
+  EXPECT_FALSE(PortOpen());
+  EXPECT_TRUE(TimersRest());
+  EXPECT_TRUE(Enabled("StartGaven"));
+  EXPECT_TRUE(Enabled("MDIForm1.labGaven"));
+  EXPECT_FALSE(Playing("MediaPlayer1"));
+  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066"));
+  StartSession();
+}
+
+TEST_F(GavenSession, IsRefusedToAModuleOfAnotherModel) {
+  for (const int identity : {0x0102, 0x0602, 0x0802, 0x8702, 0x0007, 0x0B02}) {
+    SCOPED_TRACE(identity);
+    Set(kIdentity, identity);
+    module.ForgetLog();
+    Click("StartGaven");
+    EXPECT_THAT(BoxInFront(), IsBox(kNotAGaven, view::Icon::kCritical));
+    AnswerOk();
+    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
+    EXPECT_FALSE(InSession());
+    EXPECT_FALSE(PortOpen());
+    EXPECT_TRUE(TimersRest());
+    EXPECT_TRUE(Enabled("StartGaven"));
+  }
+  SetRelease(2);
+  StartSession();
+}
+
+TEST_F(GavenSession, KeepsThePageFromClosing) {
+  StartSession();
+  ClosePage();
+  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
+  AnswerOk();
+  EXPECT_TRUE(InSession());
+  EXPECT_EQ(Page().Name(), "Gaven");
+}
+
+TEST_F(GavenSession, GoesOnWhenTheBlocksOfStartAreRefused) {
+  StartUntilRequest(1);
+  for (int i = 0; i < 3; ++i) module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  EXPECT_TRUE(InSession());
+  EXPECT_TRUE(NothingInFront());
+  Run(std::chrono::seconds(1));
+  EXPECT_EQ(Text("MessageGaven"), "OK");
+}
+
+TEST_F(GavenSession, KeepsTheAddressWhenTheStoredOneIsNotRead) {
+  Set(kStoredCommunication, 0x0309);
+  StartSession();
+  Click("StopGaven");
+  StartUntilRequest(2);
+  module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  EXPECT_THAT(module.TakeLog(), Contains("reads 40066: exception 2"));
+  EXPECT_EQ(Text("AddressGaven"), "9");
+  EXPECT_EQ(Text("BaudGaven"), "38400");
+}
+
+// What the firmware release has.
+
+class GavenFirmware : public GavenFixture {
+ protected:
+  /// A session on a module of that release, ended again.
+  void Visit(int release) {
+    SetRelease(release);
+    StartSession();
+    Click("StopGaven");
+  }
+  /// Leaves the page and comes back.
+  void LeaveAndReturn() {
+    Click("LabHome");
+    Click("labGaven");
+  }
+  void ExpectFiveRates() {
+    EXPECT_THAT(List("BaudGaven"), ElementsAre("4800", "9600", "19200", "38400", "57600"));
+    EXPECT_THAT(ItemData("BaudGaven"), ElementsAre(0, 1, 2, 3, 4));
+  }
+  void ExpectSevenRates() {
+    EXPECT_THAT(List("BaudGaven"), ElementsAre("1200", "2400", "4800", "9600", "19200", "38400", "57600"));
+    EXPECT_THAT(ItemData("BaudGaven"), ElementsAre(6, 7, 0, 1, 2, 3, 4));
+  }
+};
+
+TEST_F(GavenFirmware, BeginsWithFiveRates) {
+  ExpectFiveRates();
+  EXPECT_EQ(ListIndex("BaudGaven"), 1);
+}
+
+TEST_F(GavenFirmware, IsShownByTheLowByte) {
+  for (const int release : {0, 1, 12, 255}) {
+    Visit(release);
+    EXPECT_EQ(Text("FirmwGaven"), "Firmware rel: " + std::to_string(release));
+  }
+}
+
+TEST_F(GavenFirmware, HasSevenRatesFromRelease2On) {
+  for (const int release : {2, 3, 255}) {
+    SCOPED_TRACE(release);
+    Visit(release);
+    ExpectSevenRates();
+    LeaveAndReturn();
+    Visit(1);
+    LeaveAndReturn();
+  }
+}
+
+TEST_F(GavenFirmware, HasFiveRatesBelowRelease2) {
+  for (const int release : {0, 1}) {
+    SCOPED_TRACE(release);
+    Visit(release);
+    ExpectFiveRates();
+    LeaveAndReturn();
+    Visit(2);
+    LeaveAndReturn();
+    Visit(release);
+    ExpectFiveRates();
+    LeaveAndReturn();
+  }
+}
+
+TEST_F(GavenFirmware, IsCheckedOnceWhileThePageIsNotLeft) {
+  Visit(2);
+  Visit(1);
+  ExpectSevenRates();
+  EXPECT_EQ(Text("FirmwGaven"), "Firmware rel: 1");
+  LeaveAndReturn();
+  ExpectSevenRates();
+  Visit(1);
+  ExpectFiveRates();
+  Visit(2);
+  ExpectFiveRates();
+}
+
+TEST_F(GavenFirmware, IsNotCheckedAnewAfterADialogOverThePage) {
+  Visit(2);
+  Click("AddressGaven");
+  AnswerChangeValue("7");
+  Visit(1);
+  ExpectSevenRates();
+}
+
+TEST_F(GavenFirmware, IsNotCheckedForAModuleOfAnotherModel) {
+  Set(kIdentity, 0x0202);
+  Click("StartGaven");
+  AnswerOk();
+  ExpectFiveRates();
+  EXPECT_EQ(Text("FirmwGaven"), "Firmware rel:");
+}
+
+TEST_F(GavenFirmware, ChangesNothingButTheRates) {
+  SetRelease(0);
+  Set(kFlags, 0x0008);
+  StartSession();
+  for (const char* name : {"CheckGaven(0)", "CheckGaven(1)", "CheckGaven(2)", "OptionGaven1", "OptionGaven2",
+                           "BaudGaven", "FilterGaven(0)", "FilterGaven(3)"}) {
+    EXPECT_TRUE(Enabled(name)) << name;
+  }
+}
+
+TEST_F(GavenFirmware, LeavesASlowRateUnselectedBelowRelease2) {
+  for (const int code : {6, 7}) {
+    Set(kStoredCommunication, code << 8 | 5);
+    Visit(1);
+    EXPECT_EQ(Text("BaudGaven"), "9600");
+    EXPECT_EQ(Text("AddressGaven"), "5");
+  }
+}
+
+TEST_F(GavenFirmware, KeepsTheSelectedCodeWhenTheListGrows) {
+  Set(kStoredCommunication, 0x0501);  // a rate that no list has
+  for (int position = 0; position < 5; ++position) {
+    SCOPED_TRACE(position);
+    Visit(1);
+    Choose("BaudGaven", position);
+    LeaveAndReturn();
+    Visit(2);
+    EXPECT_EQ(ListIndex("BaudGaven"), position + 2);
+    LeaveAndReturn();
+  }
+}
+
+TEST_F(GavenFirmware, KeepsTheSelectedPositionWhenTheListShrinks) {
+  Set(kStoredCommunication, 0x0501);
+  for (int position = 0; position < 5; ++position) {
+    SCOPED_TRACE(position);
+    Visit(2);
+    Choose("BaudGaven", position);
+    LeaveAndReturn();
+    Visit(1);
+    EXPECT_EQ(ListIndex("BaudGaven"), position);
+    LeaveAndReturn();
+  }
+}
+
+}  // namespace
+}  // namespace tarvo::test

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -26,9 +27,9 @@ struct ModelData {
   std::vector<RegisterRange> registers;
   std::vector<ImagePair> images;
   state::Register identity{40001};
-  state::Register communication;  ///< high byte the baud code, low byte the address
-  state::Register flags;          ///< holds the three bits below
-  state::Register reset;
+  state::Register communication;         ///< high byte the baud code, low byte the address
+  state::Register flags;                 ///< holds the three bits below
+  std::optional<state::Register> reset;  ///< restarts the module; nothing where only its supply does
   unsigned resetValue = 1;
   unsigned delayMask = 0x04;   ///< each reply comes 12 ms later
   unsigned parityMask = 0x08;  ///< parity on

@@ -65,6 +65,11 @@ void Module::Advance(core::TimePoint now) {
   now_ = now;
 }
 
+void Module::Restart(core::TimePoint now) {
+  Advance(now);
+  BeginRestart();
+}
+
 core::Duration Module::ReplyDelay() const {
   const ModelData& data = model_->Data();
   return model_->registers.Get(data.flags).Has(data.delayMask) ? kLatency : core::Duration::zero();
@@ -161,9 +166,13 @@ void Module::Write(state::Register reg, state::Word value) {
     model_->Write(reg, value);
   } else if (value == state::Word(model_->Data().resetValue)) {
     // The reply to this very request still goes out, on the line as it is.
-    restarting_ = true;
-    restarted_ = now_ + kRestartTime;
+    BeginRestart();
   }
+}
+
+void Module::BeginRestart() {
+  restarting_ = true;
+  restarted_ = now_ + kRestartTime;
 }
 
 }  // namespace tarvo::simulator

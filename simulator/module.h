@@ -43,6 +43,8 @@ class Module {
 
   /// Lets time go by: life, and the end of a restart.
   void Advance(core::TimePoint now);
+  /// Its supply goes off and on: it restarts as by its reset register.
+  void Restart(core::TimePoint now);
   /// True while it restarts and hears nothing.
   bool Restarting() const { return restarting_; }
 
@@ -68,6 +70,7 @@ class Module {
   Bytes WriteRegisters(std::span<const std::uint8_t> request);
   std::optional<ModbusException> WhyNot(state::Register reg, state::Word value) const;
   void Write(state::Register reg, state::Word value);
+  void BeginRestart();
 
   std::unique_ptr<Model> model_;
   int firmware_;

@@ -20,9 +20,10 @@ struct OrderName {
 };
 
 constexpr std::array kOrderNames = {
-    OrderName{Order::Kind::kClear, "clear"},   OrderName{Order::Kind::kFault, "fault"},
-    OrderName{Order::Kind::kUnplug, "unplug"}, OrderName{Order::Kind::kPlug, "plug"},
-    OrderName{Order::Kind::kGet, "get"},       OrderName{Order::Kind::kSet, "set"},
+    OrderName{Order::Kind::kClear, "clear"},     OrderName{Order::Kind::kFault, "fault"},
+    OrderName{Order::Kind::kUnplug, "unplug"},   OrderName{Order::Kind::kPlug, "plug"},
+    OrderName{Order::Kind::kGet, "get"},         OrderName{Order::Kind::kSet, "set"},
+    OrderName{Order::Kind::kRestart, "restart"},
 };
 
 constexpr std::string_view kBlanks = " \t\r";
@@ -104,6 +105,7 @@ Complaint TakeWhat(std::string_view& rest, Order& order) {
   if (other == kOrderNames.end()) return "unknown order " + Quoted(word) + ", see tarvo-sim --help";
   order.kind = other->kind;
   if (order.kind == Order::Kind::kGet || order.kind == Order::Kind::kSet) return TakeRegister(rest, order);
+  if (order.kind == Order::Kind::kRestart) return {};
   if (order.address) return std::string(word) + " is for the whole port, without an address";
   return {};
 }
@@ -144,6 +146,7 @@ order and what was asked for, or "error: " and why not. The end of the input cha
   PORT plug         it comes back, as another pseudo terminal behind the same link
   PORT get REGISTER      what a master would read there
   PORT set REGISTER N    gives a register a value, decimal or after 0x, as the world outside does: 40002 for the inputs
+  PORT restart      a module's supply goes off and on
 PORT is com1 or, where only one of several modules is meant, com1:7 for the one with address 7.
 )";
 }

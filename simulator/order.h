@@ -20,6 +20,7 @@ struct Order {
     kPlug,
     kGet,  ///< tell a register
     kSet,
+    kRestart,  ///< a module's supply goes off and on
   };
 
   static constexpr std::size_t kLongestLine = 200;

@@ -66,16 +66,19 @@ Port::Answer Port::Obey(const Order& order) {
       break;
     case Order::Kind::kGet:
     case Order::Kind::kSet:
-      return AccessRegister(order);
+    case Order::Kind::kRestart:
+      return ObeyInModule(order);
   }
   return answer;
 }
 
-Port::Answer Port::AccessRegister(const Order& order) {
+Port::Answer Port::ObeyInModule(const Order& order) {
   Answer answer;
   Module* module = Find(order.address, answer.error);
   if (module == nullptr) return answer;
-  if (!module->GetModel().registers.Has(order.reg)) {
+  if (order.kind == Order::Kind::kRestart) {
+    module->Restart(scheduler_.Now());
+  } else if (!module->GetModel().registers.Has(order.reg)) {
     answer.error = "no register " + std::to_string(order.reg.Number());
   } else if (order.kind == Order::Kind::kSet) {
     module->Set(order.reg, order.value, scheduler_.Now());

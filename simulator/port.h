@@ -34,7 +34,7 @@ class Port {
 
  private:
   void Unplug();
-  Answer AccessRegister(const Order& order);
+  Answer ObeyInModule(const Order& order);
   /// The module with this address, or the only one; null, and why in `error`.
   Module* Find(const std::optional<int>& address, Complaint& error);
 

@@ -104,6 +104,18 @@ TEST(SimulatedModule, RestartsOnABroadcastToo) {
   EXPECT_TRUE(belk.GetModule().Restarting());
 }
 
+TEST(SimulatedModule, RestartsWhenItsSupplyGoesOffAndOn) {
+  PlayedBelk belk = Preset();
+  belk.Write(40008, 9);
+  belk.GetModule().Restart(belk.Now());
+  EXPECT_EQ(belk.Read(40001), -1);
+  belk.Pass(Module::kRestartTime - core::milliseconds(1));
+  EXPECT_EQ(belk.Read(40001), -1);
+  belk.Pass(core::milliseconds(1));
+  EXPECT_EQ(belk.Read(40001), 0x0103);
+  EXPECT_EQ(belk.Read(40008), 6);
+}
+
 TEST(SimulatedModule, IsMadeByItsName) {
   EXPECT_THAT(ModelNames(), ::testing::Contains("belk"));
   ASSERT_NE(MakeModel("belk"), nullptr);

@@ -53,6 +53,12 @@ TEST(SimulatorOrders, TellARegisterAndItsValue) {
   EXPECT_EQ(set.value.Unsigned(), 0x0101);
 }
 
+TEST(SimulatorOrders, TellWhichModuleRestarts) {
+  EXPECT_EQ(Parsed("com1 restart").kind, Order::Kind::kRestart);
+  EXPECT_EQ(Parsed("com1 restart").address, std::nullopt);
+  EXPECT_EQ(Parsed("com1:7 restart").address, 7);
+}
+
 TEST(SimulatorOrders, HaveSomeForTheWholePort) {
   EXPECT_EQ(Parsed("com1 clear").kind, Order::Kind::kClear);
   EXPECT_EQ(Parsed("com1 fault").kind, Order::Kind::kFault);
@@ -86,6 +92,7 @@ TEST(SimulatorOrders, TellWhatIsWrongInOneLine) {
       {"com1 late 61s", "'61s' is no time for late, such as 700ms or 2s, one minute at most"},
       {"com1 late 60001ms", "'60001ms' is no time for late, such as 700ms or 2s, one minute at most"},
       {"com1 unplug 3", "'3' is too much"},
+      {"com1 restart 3", "'3' is too much"},
       {"com1:1 unplug", "unplug is for the whole port, without an address"},
       {"com1:1 clear", "clear is for the whole port, without an address"},
       {"com1 get", "'' is no register, from 40001 on"},
@@ -101,7 +108,7 @@ TEST(SimulatorOrders, TellWhatIsWrongInOneLine) {
 TEST(SimulatorOrders, StandInTheHelp) {
   const std::string help = HelpText();
   for (const FaultName& fault : kFaultNames) EXPECT_THAT(help, HasSubstr("\n    " + std::string(fault.name) + ' '));
-  for (const char* order : {"clear", "fault", "unplug", "plug", "get", "set"}) {
+  for (const char* order : {"clear", "fault", "unplug", "plug", "get", "set", "restart"}) {
     EXPECT_THAT(help, HasSubstr(std::string("\n  PORT ") + order + ' '));
   }
 }

@@ -32,6 +32,7 @@ class PlayedModule {
   PlayedModule(std::string_view model, const ModuleOptions& options) : module_(MakeModel(model), options, now_) {}
 
   Module& GetModule() { return module_; }
+  core::TimePoint Now() const { return now_; }
   void Pass(core::Duration time) { now_ += time; }
 
   test::Bytes Execute(const test::Bytes& request) { return module_.Execute(request, now_); }
@@ -60,12 +61,21 @@ class PlayedModule {
   /// Writes what restarts it to its reset register and waits until it is back.
   void Reset() {
     const ModelData& data = module_.GetModel().Data();
-    Write(data.reset.Number(), static_cast<int>(data.resetValue));
+    Write(data.reset->Number(), static_cast<int>(data.resetValue));
+    AwaitRestart();
+  }
+  /// Its supply goes off and on; waits until it is back.
+  void Restart() {
+    module_.Restart(now_);
+    AwaitRestart();
+  }
+
+ private:
+  void AwaitRestart() {
     Pass(Module::kRestartTime);
     module_.Advance(now_);
   }
 
- private:
   core::TimePoint now_{std::chrono::hours(1)};
   Module module_;
 };

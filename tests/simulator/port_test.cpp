@@ -114,8 +114,15 @@ TEST_F(PluggedPort, GetsWhatAMasterWouldRead) {
   EXPECT_EQ(Obey("com1:1 get 40002"), "ok 26");
 }
 
+TEST_F(PluggedPort, RestartsTheModuleThatIsMeant) {
+  EXPECT_EQ(Obey("com1:7 restart"), "ok ");
+  EXPECT_FALSE(port.Modules().front().Restarting());
+  EXPECT_TRUE(port.Modules().back().Restarting());
+}
+
 TEST_F(PluggedPort, WantsAnAddressWhereSeveralModulesAre) {
   EXPECT_EQ(Obey("com1 get 40003"), "several modules are on com1, tell one, such as com1:1");
+  EXPECT_EQ(Obey("com1 restart"), "several modules are on com1, tell one, such as com1:1");
   EXPECT_EQ(Obey("com1:9 get 40003"), "no module with address 9 on com1");
   EXPECT_EQ(Obey("com1:1 get 40050"), "no register 40050");
   EXPECT_EQ(Obey("com1:9 silence"), "no module with address 9 on com1");

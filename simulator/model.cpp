@@ -28,13 +28,25 @@ void Model::SetFirmware(int release) {
   registers.Set(data_.identity, state::Word(static_cast<unsigned>(data_.code << 8 | release)));
 }
 
+int Model::BaudOf(int code) {
+  for (const BaudCode& entry : kBaudCodes) {
+    if (entry.code == code) return entry.baud;
+  }
+  return bus::LineSettings().baud;
+}
+
+int Model::CodeOf(int baud) {
+  for (const BaudCode& entry : kBaudCodes) {
+    if (entry.baud == baud) return entry.code;
+  }
+  return CodeOf(bus::LineSettings().baud);
+}
+
 Setting Model::GetSetting() const {
   Setting setting;
   const state::Word communication = registers.Get(data_.communication);
   if (communication.Low() != 0) setting.address = communication.Low();
-  for (const BaudCode& entry : kBaudCodes) {
-    if (entry.code == communication.High()) setting.line.baud = entry.baud;
-  }
+  setting.line.baud = BaudOf(communication.High());
   const state::Word flags = registers.Get(data_.flags);
   if (flags.Has(data_.parityMask)) {
     setting.line.parity = flags.Has(data_.oddMask) ? bus::Parity::kOdd : bus::Parity::kEven;
@@ -43,10 +55,8 @@ Setting Model::GetSetting() const {
 }
 
 void Model::SetSetting(const Setting& setting) {
-  for (const BaudCode& entry : kBaudCodes) {
-    if (entry.baud != setting.line.baud) continue;
-    registers.Set(data_.communication, state::Word(static_cast<unsigned>(entry.code << 8 | setting.address)));
-  }
+  const int code = CodeOf(setting.line.baud);
+  registers.Set(data_.communication, state::Word(static_cast<unsigned>(code << 8 | setting.address)));
   state::Word flags = registers.Get(data_.flags).And(~(data_.parityMask | data_.oddMask));
   if (setting.line.parity != bus::Parity::kNone) flags = flags.Or(data_.parityMask);
   if (setting.line.parity == bus::Parity::kOdd) flags = flags.Or(data_.oddMask);

@@ -25,11 +25,11 @@ struct ModelData {
   std::string_view name;  ///< as the command line names it
   int code = 0;           ///< high byte of the identity
   std::vector<RegisterRange> registers;
-  std::vector<ImagePair> images;
+  std::vector<ImagePair> images{};
   state::Register identity{40001};
-  state::Register communication;         ///< high byte the baud code, low byte the address
-  state::Register flags;                 ///< holds the three bits below
-  std::optional<state::Register> reset;  ///< restarts the module; nothing where only its supply does
+  state::Register communication;           ///< high byte the baud code, low byte the address
+  state::Register flags;                   ///< holds the three bits below
+  std::optional<state::Register> reset{};  ///< restarts the module; nothing where only its supply does
   unsigned resetValue = 1;
   unsigned delayMask = 0x04;   ///< each reply comes 12 ms later
   unsigned parityMask = 0x08;  ///< parity on
@@ -37,6 +37,14 @@ struct ModelData {
 };
 
 using Random = std::mt19937;
+
+/// What hangs on an output.
+enum class Load {
+  kGood,
+  kOpen,   ///< no load at all
+  kShort,  ///< a short circuit
+  kHot,    ///< too much of it: the driver gets too warm
+};
 
 /// Address and line setting of a module.
 struct Setting {
@@ -70,12 +78,21 @@ class Model {
   virtual state::Word Read(state::Register reg) const { return registers.Get(reg); }
   /// A master writes `value`, which the register map allows.
   virtual void Write(state::Register reg, state::Word value) { registers.Set(reg, value); }
+  /// The world outside hangs `load` on an output, the first is 1; false when the module does not watch such a one.
+  virtual bool SetLoad(int output, Load load) {
+    (void)output;
+    (void)load;
+    return false;
+  }
   /// The module restarts: what is not stored goes back to its start.
   virtual void Restarted() {}
 
   /// Address and line that the live registers tell. Values that no module could start with become address 1 and 9600.
   virtual Setting GetSetting() const;
   virtual void SetSetting(const Setting& setting);
+  // What those go by. A code that none has is 9600.
+  static int BaudOf(int code);
+  static int CodeOf(int baud);
 
   /// The module's EEPROM takes what is live.
   void StoreImages();

@@ -98,6 +98,11 @@ void Module::Set(state::Register reg, state::Word value, core::TimePoint now) {
   model_->registers.Set(reg, value);
 }
 
+bool Module::SetLoad(int output, Load load, core::TimePoint now) {
+  Advance(now);
+  return model_->SetLoad(output, load);
+}
+
 Module::Bytes Module::Answer(std::span<const std::uint8_t> request) {
   switch (request[1]) {
     case bus::kReadHoldingRegisters:

@@ -60,6 +60,8 @@ class Module {
   /// The world outside gives `reg`, which the module has, this value: no bounds, and it may be one that no master
   /// writes.
   void Set(state::Register reg, state::Word value, core::TimePoint now);
+  /// The world outside hangs `load` on an output; false when the module does not watch such a one.
+  bool SetLoad(int output, Load load, core::TimePoint now);
 
  private:
   using Bytes = std::vector<std::uint8_t>;

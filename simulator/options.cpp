@@ -146,8 +146,8 @@ MODULE is a model's name, then its options: NAME[:KEY=VALUE[,KEY=VALUE]...]
                and a master reads there what span and zero make of it; a bit of 40012 from 12 on opens a wire
 Models:)" +
          models + "\n\n" + OrderHelp() + R"(
-Writing 1 to a module's reset register restarts it, as the order "restart" does: it keeps silent for 0.3 s, then goes
-by what its EEPROM holds.
+Writing 1 to a module's reset register restarts it: it keeps silent for 0.3 s, then goes by what its EEPROM holds. The
+order "restart" does the same; a marlo, which has no such register, takes its serial settings by it alone.
 Ctrl-C or a termination signal ends the simulator; wrong usage ends it with status 2.
 
 Examples:

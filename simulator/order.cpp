@@ -23,8 +23,17 @@ constexpr std::array kOrderNames = {
     OrderName{Order::Kind::kClear, "clear"},     OrderName{Order::Kind::kFault, "fault"},
     OrderName{Order::Kind::kUnplug, "unplug"},   OrderName{Order::Kind::kPlug, "plug"},
     OrderName{Order::Kind::kGet, "get"},         OrderName{Order::Kind::kSet, "set"},
-    OrderName{Order::Kind::kRestart, "restart"},
+    OrderName{Order::Kind::kRestart, "restart"}, OrderName{Order::Kind::kLoad, "load"},
 };
+
+struct LoadName {
+  Load load;
+  std::string_view name;
+};
+
+constexpr std::array kLoadNames = {LoadName{Load::kGood, "good"}, LoadName{Load::kOpen, "open"},
+                                   LoadName{Load::kShort, "short"}, LoadName{Load::kHot, "hot"}};
+constexpr unsigned kMostOutputs = 100;
 
 constexpr std::string_view kBlanks = " \t\r";
 
@@ -91,6 +100,19 @@ Complaint TakeRegister(std::string_view& rest, Order& order) {
   return {};
 }
 
+Complaint TakeLoad(std::string_view& rest, Order& order) {
+  const std::string_view output = NextWord(rest);
+  const auto number = Number(output, 1, kMostOutputs);
+  if (!number) return Quoted(output) + " is no output, from 1 on";
+  order.output = static_cast<int>(*number);
+  const std::string_view name = NextWord(rest);
+  const auto* load =
+      std::find_if(kLoadNames.begin(), kLoadNames.end(), [&](const LoadName& known) { return known.name == name; });
+  if (load == kLoadNames.end()) return Quoted(name) + " is no load, which is good, open, short or hot";
+  order.load = load->load;
+  return {};
+}
+
 Complaint TakeWhat(std::string_view& rest, Order& order) {
   const std::string_view word = NextWord(rest);
   const auto* fault =
@@ -105,6 +127,7 @@ Complaint TakeWhat(std::string_view& rest, Order& order) {
   if (other == kOrderNames.end()) return "unknown order " + Quoted(word) + ", see tarvo-sim --help";
   order.kind = other->kind;
   if (order.kind == Order::Kind::kGet || order.kind == Order::Kind::kSet) return TakeRegister(rest, order);
+  if (order.kind == Order::Kind::kLoad) return TakeLoad(rest, order);
   if (order.kind == Order::Kind::kRestart) return {};
   if (order.address) return std::string(word) + " is for the whole port, without an address";
   return {};
@@ -146,6 +169,7 @@ order and what was asked for, or "error: " and why not. The end of the input cha
   PORT plug         it comes back, as another pseudo terminal behind the same link
   PORT get REGISTER      what a master would read there
   PORT set REGISTER N    gives a register a value, decimal or after 0x, as the world outside does: 40002 for the inputs
+  PORT load N LOAD       hangs a load on output N of a marlo: good, open, short or hot
   PORT restart      a module's supply goes off and on
 PORT is com1 or, where only one of several modules is meant, com1:7 for the one with address 7.
 )";

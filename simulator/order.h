@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "simulator/line_fault.h"
+#include "simulator/model.h"
 #include "simulator/text.h"
 #include "state/word.h"
 
@@ -21,6 +22,7 @@ struct Order {
     kGet,  ///< tell a register
     kSet,
     kRestart,  ///< a module's supply goes off and on
+    kLoad,     ///< hang something on an output
   };
 
   static constexpr std::size_t kLongestLine = 200;
@@ -31,6 +33,8 @@ struct Order {
   LineFault fault;             ///< to set; carries the address too
   state::Register reg{40001};
   state::Word value;
+  int output = 1;
+  Load load = Load::kGood;
 };
 
 /// An order line read: the order, or in `error` what is wrong with it.

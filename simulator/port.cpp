@@ -67,6 +67,7 @@ Port::Answer Port::Obey(const Order& order) {
     case Order::Kind::kGet:
     case Order::Kind::kSet:
     case Order::Kind::kRestart:
+    case Order::Kind::kLoad:
       return ObeyInModule(order);
   }
   return answer;
@@ -78,6 +79,10 @@ Port::Answer Port::ObeyInModule(const Order& order) {
   if (module == nullptr) return answer;
   if (order.kind == Order::Kind::kRestart) {
     module->Restart(scheduler_.Now());
+  } else if (order.kind == Order::Kind::kLoad) {
+    if (!module->SetLoad(order.output, order.load, scheduler_.Now())) {
+      answer.error = "no output " + std::to_string(order.output) + " whose load is watched";
+    }
   } else if (!module->GetModel().registers.Has(order.reg)) {
     answer.error = "no register " + std::to_string(order.reg.Number());
   } else if (order.kind == Order::Kind::kSet) {

@@ -59,6 +59,18 @@ TEST(SimulatorOrders, TellWhichModuleRestarts) {
   EXPECT_EQ(Parsed("com1:7 restart").address, 7);
 }
 
+TEST(SimulatorOrders, TellAnOutputAndItsLoad) {
+  const std::pair<const char*, Load> rows[] = {
+      {"good", Load::kGood}, {"open", Load::kOpen}, {"short", Load::kShort}, {"hot", Load::kHot}};
+  for (const auto& [name, load] : rows) {
+    const Order order = Parsed((std::string("com3:9 load 10 ") + name).c_str());
+    EXPECT_EQ(order.kind, Order::Kind::kLoad);
+    EXPECT_EQ(order.address, 9);
+    EXPECT_EQ(order.output, 10);
+    EXPECT_EQ(order.load, load) << name;
+  }
+}
+
 TEST(SimulatorOrders, HaveSomeForTheWholePort) {
   EXPECT_EQ(Parsed("com1 clear").kind, Order::Kind::kClear);
   EXPECT_EQ(Parsed("com1 fault").kind, Order::Kind::kFault);
@@ -93,6 +105,11 @@ TEST(SimulatorOrders, TellWhatIsWrongInOneLine) {
       {"com1 late 60001ms", "'60001ms' is no time for late, such as 700ms or 2s, one minute at most"},
       {"com1 unplug 3", "'3' is too much"},
       {"com1 restart 3", "'3' is too much"},
+      {"com1 load", "'' is no output, from 1 on"},
+      {"com1 load 0 open", "'0' is no output, from 1 on"},
+      {"com1 load 3", "'' is no load, which is good, open, short or hot"},
+      {"com1 load 3 Open", "'Open' is no load, which is good, open, short or hot"},
+      {"com1 load 3 open 4", "'4' is too much"},
       {"com1:1 unplug", "unplug is for the whole port, without an address"},
       {"com1:1 clear", "clear is for the whole port, without an address"},
       {"com1 get", "'' is no register, from 40001 on"},
@@ -108,7 +125,7 @@ TEST(SimulatorOrders, TellWhatIsWrongInOneLine) {
 TEST(SimulatorOrders, StandInTheHelp) {
   const std::string help = HelpText();
   for (const FaultName& fault : kFaultNames) EXPECT_THAT(help, HasSubstr("\n    " + std::string(fault.name) + ' '));
-  for (const char* order : {"clear", "fault", "unplug", "plug", "get", "set", "restart"}) {
+  for (const char* order : {"clear", "fault", "unplug", "plug", "get", "set", "load", "restart"}) {
     EXPECT_THAT(help, HasSubstr(std::string("\n  PORT ") + order + ' '));
   }
 }

@@ -120,6 +120,10 @@ TEST_F(PluggedPort, RestartsTheModuleThatIsMeant) {
   EXPECT_TRUE(port.Modules().back().Restarting());
 }
 
+TEST_F(PluggedPort, TellsWhenAModuleWatchesNoLoads) {
+  EXPECT_EQ(Obey("com1:7 load 3 open"), "no output 3 whose load is watched");
+}
+
 TEST_F(PluggedPort, WantsAnAddressWhereSeveralModulesAre) {
   EXPECT_EQ(Obey("com1 get 40003"), "several modules are on com1, tell one, such as com1:1");
   EXPECT_EQ(Obey("com1 restart"), "several modules are on com1, tell one, such as com1:1");

@@ -188,7 +188,7 @@ void Cobin::SetOutputsEnabled(bool enabled) {
 
 void Cobin::CobinEnableControls(bool enabled) {
   const std::array<view::Control*, 12> edits = {&BaudCobin,   &AddressCobin, &SafetimeCobin, &WEEP,
-                                                &Reset,       &CheckCobin1,  &CheckCobin2,   &CheckCobin3,
+                                                &*Reset,      &CheckCobin1,  &CheckCobin2,   &CheckCobin3,
                                                 &CheckCobin4, &CheckCobin5,  &OptionCobin1,  &OptionCobin2};
   for (view::Control* edit : edits) edit->Enabled = enabled;
 }

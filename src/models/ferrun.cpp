@@ -23,8 +23,7 @@ constexpr pages::PageIdentity kIdentity = {
     .pollAfter = pages::PollBlock{Ferrun::kFlags, 12},
     .runKind = 4,
     .reset = Ferrun::kStatus,
-    .weepName = "buttWEEPFerrun",
-    .resetName = "buttResetFerrun",
+    .names = {.weep = "buttWEEPFerrun", .reset = "buttResetFerrun"},
 };
 
 /// A value of the PID loop, behind the six scales.
@@ -297,15 +296,10 @@ void Ferrun::FerrunEnableControls(int state) {
   const bool enabled = state == 1;
   for (const pages::Flag& flag : flags_) flag.box.Enabled = enabled;
   for (view::Label& value : ValueFerrun) value.Enabled = enabled;
-  const std::array<view::Control*, 9> others = {&OptionEven,
-                                                &OptionOdd,
-                                                &comboInputTypeFerrun,
-                                                &comboInputFilterFerrun,
-                                                &comboBaudFerrun,
-                                                &labAddressFerrun,
-                                                &labSafetimeFerrun,
-                                                &WEEP,
-                                                &Reset};
+  const std::array<view::Control*, 9> others = {
+      &OptionEven,      &OptionOdd,        &comboInputTypeFerrun, &comboInputFilterFerrun,
+      &comboBaudFerrun, &labAddressFerrun, &labSafetimeFerrun,    &WEEP,
+      &*Reset};
   for (view::Control* other : others) other->Enabled = enabled;
 }
 

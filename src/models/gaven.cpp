@@ -233,7 +233,8 @@ void Gaven::GavenEnableControls(int mode) {
   for (view::Label& value : ValueGaven) value.Enabled = enabled;
   for (view::ComboBox& filter : FilterGaven) filter.Enabled = enabled;
   for (view::CheckBox& check : CheckGaven) check.Enabled = enabled;
-  const std::array<view::Control*, 6> others = {&OptionGaven1, &OptionGaven2, &BaudGaven, &AddressGaven, &WEEP, &Reset};
+  const std::array<view::Control*, 6> others = {&OptionGaven1, &OptionGaven2, &BaudGaven,
+                                                &AddressGaven, &WEEP,         &*Reset};
   for (view::Control* other : others) other->Enabled = enabled;
 }
 

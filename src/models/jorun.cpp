@@ -25,8 +25,7 @@ constexpr pages::PageIdentity kIdentity = {
     .runKind = 6,
     .reset = Jorun::kStatus,
     .gears = "Ingranaggi6",
-    .weepName = "buttWEEPJorun",
-    .resetName = "buttResetJorun",
+    .names = {.weep = "buttWEEPJorun", .reset = "buttResetJorun"},
     .hasTimerControllo = false,
 };
 
@@ -263,7 +262,7 @@ void Jorun::EnableLabelsComm(bool enable) {
   const bool parity = enable && CheckJorun[2].Value() != 0;
   OptionEven.Enabled = parity;
   OptionOdd.Enabled = parity;
-  const std::array<view::Control*, 4> others = {&cbBaudJorun, &labAddressJorun, &WEEP, &Reset};
+  const std::array<view::Control*, 4> others = {&cbBaudJorun, &labAddressJorun, &WEEP, &*Reset};
   for (view::Control* other : others) other->Enabled = enable;
 }
 
@@ -273,7 +272,8 @@ void Jorun::EnableInputs(int mode) {
   for (view::ComboBox& type : cbInputTypeJorun) type.Enabled = enabled;
   for (view::ComboBox& filter : cbFilterJorun) filter.Enabled = enabled;
   for (view::CheckBox& check : CheckJorun) check.Enabled = enabled;
-  const std::array<view::Control*, 6> others = {&OptionEven, &OptionOdd, &cbBaudJorun, &labAddressJorun, &WEEP, &Reset};
+  const std::array<view::Control*, 6> others = {&OptionEven,      &OptionOdd, &cbBaudJorun,
+                                                &labAddressJorun, &WEEP,      &*Reset};
   for (view::Control* other : others) other->Enabled = enabled;
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "bus/modcom/register_access.h"
 #include "pages/baud_list.h"
 #include "state/number_text.h"
 #include "view/hourglass.h"
@@ -35,25 +36,15 @@ Change Keeping(unsigned mask) {
   return [mask](Word word) { return word.And(mask); };
 }
 
-/// Holds the two timers of a session. The last of several that are under way lets them go on, unless the session in
-/// which they were stopped is over.
-class DevicePage::PollPause {
- public:
-  explicit PollPause(DevicePage& page) : page_(page), session_(page.session_) {
-    ++page_.pauses_;
-    page_.DisableTimers();
-  }
-  PollPause(const PollPause&) = delete;
-  PollPause& operator=(const PollPause&) = delete;
-  ~PollPause() {
-    if (session_ != page_.session_) return;
-    if (--page_.pauses_ == 0) page_.EnableTimers();
-  }
+DevicePage::PollPause::PollPause(DevicePage& page) : page_(page), session_(page.session_) {
+  ++page_.pauses_;
+  page_.DisableTimers();
+}
 
- private:
-  DevicePage& page_;
-  int session_;
-};
+DevicePage::PollPause::~PollPause() {
+  if (session_ != page_.session_) return;
+  if (--page_.pauses_ == 0 && !leavesOff_) page_.EnableTimers();
+}
 
 /// Holds the two buttons that reach the EEPROM or restart the module.
 class DevicePage::DeedPause {
@@ -66,7 +57,7 @@ class DevicePage::DeedPause {
  private:
   void Enable(bool enabled) {
     page_.WEEP.Enabled = enabled;
-    page_.Reset.Enabled = enabled;
+    if (page_.Reset) page_.Reset->Enabled = enabled;
   }
 
   DevicePage& page_;
@@ -74,12 +65,11 @@ class DevicePage::DeedPause {
 
 DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
     : Window(context.screen, identity.window, identity.model),
-      Start(*this, Named("Start", identity.model), "&Start", "Start Communication"),
-      Stop(*this, Named("Stop", identity.model), "S&top", "Stop Communication"),
-      WEEP(*this, Named("WEEP", identity.model, identity.weepName), "&Write EEprom"),
-      Reset(*this, Named("Reset", identity.model, identity.resetName), "Module &Reset"),
-      Message(*this, Named("Message", identity.model)),
-      Firmware(*this, Named("Firmw", identity.model), "Firmware rel:"),
+      Start(*this, Named("Start", identity.model, identity.names.start), "&Start", "Start Communication"),
+      Stop(*this, Named("Stop", identity.model, identity.names.stop), "S&top", "Stop Communication"),
+      WEEP(*this, Named("WEEP", identity.model, identity.names.weep), "&Write EEprom"),
+      Message(*this, Named("Message", identity.model, identity.names.message)),
+      Firmware(*this, Named("Firmw", identity.model, identity.names.firmware), "Firmware rel:"),
       Ingranaggi(*this, identity.gears, "", -1, view::ImageBox::Album::kGears),
       TimerLetturaSeriale(*this, "TimerLetturaSeriale", 50),
       ModCom1(*this, "ModCom1", context.ports),
@@ -89,10 +79,16 @@ DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
   Start.OnClick = [this] { return StartClick(); };
   Stop.OnClick = [this] { return StopClick(); };
   WEEP.OnClick = [this] { return WEEPClick(); };
-  Reset.OnClick = [this] { return ResetClick(); };
+  if (identity.reset) {
+    Reset.emplace(*this, Named("Reset", identity.model, identity.names.reset), "Module &Reset");
+    Reset->OnClick = [this] { return ResetClick(); };
+  }
   TimerLetturaSeriale.OnTimer = [this] { return context_.table.LeggiModulo(); };
   TimerGestioneLetture.OnTimer = [this] { return Decode(); };
-  TimerIngranaggi.OnTimer = [this] { return TurnGears(); };
+  if (identity.hasTimerIngranaggi) {
+    TimerIngranaggi.emplace(*this, "TimerIngranaggi", 200);
+    TimerIngranaggi->OnTimer = [this] { return TurnGears(); };
+  }
   MediaPlayer1.OnEnd = [this] {
     if (InSession()) PrepareClip(true);
   };
@@ -131,7 +127,7 @@ core::Task<> DevicePage::StartClick() {
   co_await ApplyFirmware(release);
   if (over()) co_return;
   PrepareClip(true);
-  Firmware.Caption = std::string(identity_.firmware) + std::to_string(release);
+  if (!identity_.firmware.empty()) Firmware.Caption = std::string(identity_.firmware) + std::to_string(release);
   State().ReadStep = 0;
   State().StartComm = state::kTrue;
   Starting();
@@ -152,7 +148,7 @@ core::Task<> DevicePage::StartClick() {
     co_return;
   }
   // The message label shows what the first poll gave.
-  State().RunKind = identity_.runKind;
+  if (identity_.runKind) State().RunKind = *identity_.runKind;
   context_.table.DeselectStart();
   if (!identity_.connected.empty()) {
     context_.status.connection.Text = ConnectionLine(identity_.connected, ModCom1);
@@ -162,6 +158,11 @@ core::Task<> DevicePage::StartClick() {
 }
 
 core::Task<> DevicePage::ApplyFirmware(int release) {
+  CheckFWVersion(release);
+  co_return;
+}
+
+core::Task<> DevicePage::CheckFoundFirmware(int release) {
   CheckFWVersion(release);
   co_return;
 }
@@ -181,6 +182,7 @@ void DevicePage::UndoStart() {
   State().StartComm = state::kFalse;
   Stopping();
   context_.table.ReselectStart();
+  Stopped();
 }
 
 core::Task<> DevicePage::TakeDown() {
@@ -188,22 +190,26 @@ core::Task<> DevicePage::TakeDown() {
   DisableTimers();
   co_await ModCom1.Free();
   ClosePort();
-  TimerIngranaggi.Enabled = false;
+  StopGears();
   context_.table.ReselectStart();
 }
 
 core::Task<> DevicePage::StopClick() {
-  if (!InSession()) co_return;
+  if (InSession()) co_await EndSession();
+}
+
+core::Task<> DevicePage::EndSession() {
   ++session_;
   State().StartComm = state::kFalse;
   Stopping();
   co_await TakeDown();
   context_.navigation.EnableNavigation();
   MediaPlayer1.Playing = false;
+  Stopped();
 }
 
 core::Task<> DevicePage::Poll() {
-  const std::span<Word> block(State().PollBuffer);
+  const std::span<Word> block = PollTarget();
   const auto count = static_cast<std::int16_t>(State().PollCount);
   const bus::Outcome outcome = co_await ModCom1.ReadPLC(State().PollRegister, block, count, identity_.pollFormat);
   Message.Caption = outcome.Good() ? "OK" : "ERROR! Wrong Comm.";
@@ -216,6 +222,10 @@ core::Task<> DevicePage::Decode() {
 core::Task<> DevicePage::TurnGears() {
   context_.table.MuoviIngranaggi();
   co_return;
+}
+
+void DevicePage::StopGears() {
+  if (TimerIngranaggi) TimerIngranaggi->Enabled = false;
 }
 
 void DevicePage::EnableTimers() {
@@ -236,9 +246,10 @@ core::Task<> DevicePage::WEEPClick() {
   const view::Hourglass hourglass(context_.screen);
   const DeedPause deeds(*this);
   if (InSession()) {
-    const PollPause pause(*this);
+    std::optional<PollPause> pause;
+    if (identity_.commitHoldsPoll) pause.emplace(*this);
     co_await ModCom1.Free();
-    co_await WriteImages();
+    co_await Commit();
     co_await Committed();
     co_return;
   }
@@ -246,19 +257,27 @@ core::Task<> DevicePage::WEEPClick() {
   const bool onModule = co_await OpenOnModule();
   if (!onModule) co_return;
   const PortClose closes(*this);
-  co_await WriteImages();
+  co_await Commit();
 }
 
-core::Task<> DevicePage::WriteImages() {
+core::Task<> DevicePage::Commit() {
+  co_await WriteEEprom();
+  co_await context_.screen.MsgBox(std::string(identity_.updated.text), identity_.updated.icon);
+}
+
+core::Task<> DevicePage::WriteEEprom() {
   const std::span<const ImageWrite> writes = ImageWrites();
   std::vector<Word> values;
   values.reserve(writes.size());
   for (const ImageWrite& write : writes) values.push_back(write.value());
   for (std::size_t i = 0; i < writes.size(); ++i) {
+    if (identity_.tellsWrites) {
+      co_await bus::WriteRegister(ModCom1, writes[i].image, values[i].Unsigned(), context_.status.passing);
+      continue;
+    }
     co_await ModCom1.WritePLC(writes[i].image, values[i]);
     co_await ModCom1.Free();
   }
-  co_await context_.screen.MsgBox("EEProm updated! Please reset module to apply changes.", view::Icon::kInformation);
 }
 
 core::Task<> DevicePage::Committed() {
@@ -283,9 +302,9 @@ core::Task<> DevicePage::ResetInSession() {
   if (!InSession()) co_return;
   ++session_;
   State().StartComm = state::kFalse;
-  co_await ModCom1.WritePLC(identity_.reset, Word(1));
+  co_await ModCom1.WritePLC(*identity_.reset, Word(1));
   ClosePort();
-  TimerIngranaggi.Enabled = false;
+  StopGears();
   context_.table.ReselectStart();
   context_.navigation.EnableNavigation();
   // A clip that comes to its end is not started again; the gear has none.
@@ -299,8 +318,8 @@ core::Task<> DevicePage::ResetOutOfSession() {
   if (!onModule) co_return;
   const PortClose closes(*this);
   State().StartComm = state::kFalse;
-  co_await ModCom1.WritePLC(identity_.reset, Word(1));
-  TimerIngranaggi.Enabled = false;
+  co_await ModCom1.WritePLC(*identity_.reset, Word(1));
+  StopGears();
   context_.table.ReselectStart();
   co_await context_.screen.MsgBox("Module is Resetted!", view::Icon::kInformation);
 }
@@ -381,12 +400,19 @@ core::Task<> DevicePage::WriteAndKeep(Register target, Word value) {
 void DevicePage::BindFlags(std::span<const Flag> flags) {
   TieFlags(flags);
   for (const Flag& flag : flags) {
-    flag.box.OnPress = [this, &flag] { return PressFlag(flag); };
+    flag.box.OnPress = [this, &flag] { return ChangeFlag(flag, flag.box.Value() == 0); };
   }
 }
 
-core::Task<> DevicePage::PressFlag(const Flag& flag) {
-  return ChangeRegister(flag.target, flag.box.Value() == 0 ? Setting(flag.setMask) : Keeping(flag.clearMask));
+void DevicePage::BindClickedFlags(std::span<const Flag> flags) {
+  TieFlags(flags);
+  for (const Flag& flag : flags) {
+    flag.box.OnClick = [this, &flag] { return ChangeFlag(flag, flag.box.Value() != 0); };
+  }
+}
+
+core::Task<> DevicePage::ChangeFlag(const Flag& flag, bool set) {
+  return ChangeRegister(flag.target, set ? Setting(flag.setMask) : Keeping(flag.clearMask));
 }
 
 void DevicePage::BindParity(view::CheckBox& on, view::OptionButton& even, view::OptionButton& odd, Register target) {
@@ -434,8 +460,8 @@ core::Task<> DevicePage::EditClick(view::Label& value, int minimum, int maximum)
 
 void DevicePage::SetupModcomOCX() {
   ModCom1.Settings = State().PCSettings;
-  ModCom1.LinkParamA = 3;
-  ModCom1.LinkParamB = 3;
+  ModCom1.LinkParamA = identity_.setupLinkParams;
+  ModCom1.LinkParamB = identity_.setupLinkParams;
   ModCom1.ModuleAddr = State().ModuleAddress;
   ModCom1.CommPort = State().PCPort;
 }
@@ -452,6 +478,10 @@ core::Task<std::optional<Word>> DevicePage::ReadOne(Register source) {
 }
 
 core::Task<> DevicePage::ReadEEPromFlags() {
+  co_await ReadSettings();
+}
+
+core::Task<bool> DevicePage::ReadSettings() {
   const view::Hourglass hourglass(context_.screen);
   std::optional<PortClose> closes;
   if (!ModCom1.PortOpen()) {
@@ -461,7 +491,9 @@ core::Task<> DevicePage::ReadEEPromFlags() {
     closes.emplace(*this);
   }
   const std::optional<Word> identity = co_await ReadOne("40001"_reg);
-  if (identity && identity->High() == identity_.code) co_await ShowRegisters();
+  const bool ours = identity && identity->High() == identity_.code;
+  if (ours) co_await ShowRegisters();
+  co_return ours;
 }
 
 core::Task<> DevicePage::ShowRegisters() {
@@ -567,7 +599,9 @@ view::Node DevicePage::HeadLine(std::string note) const {
 }
 
 view::Node DevicePage::Foot() const {
-  return view::Row({view::Space(), view::Show(WEEP), view::Show(Reset)});
+  std::vector<view::Node> deeds = {view::Space(), view::Show(WEEP)};
+  if (Reset) deeds.push_back(view::Show(*Reset));
+  return view::Row(std::move(deeds));
 }
 
 }  // namespace tarvo::pages

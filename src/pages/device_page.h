@@ -23,6 +23,22 @@ struct PollBlock {
   int count;
 };
 
+/// Names of a page's controls where they are not the usual word with the model behind it.
+struct ControlNames {
+  std::string_view start = {};
+  std::string_view stop = {};
+  std::string_view weep = {};
+  std::string_view reset = {};
+  std::string_view message = {};
+  std::string_view firmware = {};
+};
+
+/// What a commit says when it is done.
+struct Updated {
+  std::string_view text = "EEProm updated! Please reset module to apply changes.";
+  view::Icon icon = view::Icon::kInformation;
+};
+
 /// What a page is to the session, one row of the page table.
 struct PageIdentity {
   int number;               ///< `NrFinestra`
@@ -32,18 +48,22 @@ struct PageIdentity {
   PollBlock poll;
   /// Polled in the session after `poll` was read once; nothing where one block holds all.
   std::optional<PollBlock> pollAfter = std::nullopt;
-  int runKind;                             ///< what Start leaves in `RunKind`
+  std::optional<int> runKind;              ///< what Start leaves in `RunKind`; nothing where it leaves it alone
   std::int16_t pollFormat = bus::kFormat;  ///< fourth argument of the poll read, 0 where the page gives none
-  state::Register reset;                   ///< writing 1 restarts the module
+  std::optional<state::Register> reset;    ///< writing 1 restarts the module; nothing where the page has no reset
   /// Out of a session a change of flags goes to the page's copy of the register, the element of `PollBuffer`.
   bool keepsCopies = false;
-  std::string_view firmware = "Firmware rel: ";  ///< stands before the release
-  std::string_view connected = {};               ///< begins the connection line of Start; empty for no line
+  /// Stands before the release; empty where the page shows another register's.
+  std::string_view firmware = "Firmware rel: ";
+  std::string_view connected = {};  ///< begins the connection line of Start; empty for no line
   std::string_view gears = "Ingranaggi1";
-  // Names of controls where they are not the usual word with the model behind it.
-  std::string_view weepName = {};
-  std::string_view resetName = {};
+  ControlNames names = {};
+  Updated updated = {};
+  bool commitHoldsPoll = true;  ///< a session does not poll while its commit writes
+  bool tellsWrites = false;     ///< a write of the commit that fails shows in panel 1
+  int setupLinkParams = 3;      ///< both link parameters outside of Start
   bool hasTimerControllo = true;
+  bool hasTimerIngranaggi = true;
 };
 
 /// What becomes of a register's word.
@@ -96,14 +116,14 @@ class DevicePage : public view::Window {
   view::Button Start;
   view::Button Stop;
   view::Button WEEP;
-  view::Button Reset;
+  std::optional<view::Button> Reset;
   view::Label Message;
   view::Label Firmware;
   view::ImageBox Ingranaggi;
   view::Clip MediaPlayer1{*this, "MediaPlayer1"};
   view::Timer TimerLetturaSeriale;
   view::Timer TimerGestioneLetture{*this, "TimerGestioneLetture", 200};
-  view::Timer TimerIngranaggi{*this, "TimerIngranaggi", 200};
+  std::optional<view::Timer> TimerIngranaggi;
   std::optional<view::Timer> TimerControllo;
   bus::ModCom ModCom1;
 
@@ -111,7 +131,9 @@ class DevicePage : public view::Window {
   core::Task<> Poll();
 
   /// Applies what the module's firmware release (0 to 255) has.
-  virtual void CheckFWVersion(int release) = 0;
+  virtual void CheckFWVersion(int /*release*/) {}
+  /// What the search does about the firmware of the module it has found.
+  virtual core::Task<> CheckFoundFirmware(int release);
   /// Reads the module's settings without a session and shows them; nothing when another module answers, or none.
   virtual core::Task<> ReadEEPromFlags();
 
@@ -141,7 +163,9 @@ class DevicePage : public view::Window {
   /// Shows the latest block; runs every 200 ms in a session.
   virtual core::Task<> ManageContinue() = 0;
   /// What a commit writes, in this order.
-  virtual std::span<const ImageWrite> ImageWrites() const = 0;
+  virtual std::span<const ImageWrite> ImageWrites() const { return {}; }
+  /// The writes of a commit, on an open port: those of `ImageWrites`, unless the page has its own way.
+  virtual core::Task<> WriteEEprom();
   /// Reads the module's settings one by one and shows them; the port is open and the module identified.
   virtual core::Task<> ShowRegisters();
   /// A session's commit is done and the user has read so; polling goes on after it.
@@ -156,6 +180,10 @@ class DevicePage : public view::Window {
   virtual void Started() {}
   /// The user stops the session.
   virtual void Stopping() {}
+  /// The session is down.
+  virtual void Stopped() {}
+  /// Where the answer to the poll that is asked now goes.
+  virtual std::span<state::Word> PollTarget() { return context_.state.PollBuffer; }
   /// The parity options stay disabled whatever the flags say.
   virtual bool ParityLocked() const { return false; }
 
@@ -176,10 +204,14 @@ class DevicePage : public view::Window {
   core::Task<> WithPollHeld(core::Task<> work);
   /// In a session, writes a register with polling held; else nothing.
   core::Task<> WriteLive(state::Register target, state::Word value);
+  /// Writes a register and waits for a free bus; a good write of a polled register is at once what was polled last.
+  core::Task<> WriteAndKeep(state::Register target, state::Word value);
   /// Makes the boxes of `flags` show the bits of the flags register. `flags` live as long as the page.
   void TieFlags(std::span<const Flag> flags) { flags_ = flags; }
   /// The same, and makes a user's press on a box change its bit.
   void BindFlags(std::span<const Flag> flags);
+  /// The same as `BindFlags`, but the bit follows the box once the click has changed it.
+  void BindClickedFlags(std::span<const Flag> flags);
   /// Makes `on`, a box of the flags, enable the options, and a click on an option change bit 4 of `target`. Until
   /// something was read parity is even and off.
   void BindParity(view::CheckBox& on, view::OptionButton& even, view::OptionButton& odd, state::Register target);
@@ -214,10 +246,37 @@ class DevicePage : public view::Window {
 
   /// Sets up `ModCom1` from the shared values, without opening the port.
   void SetupModcomOCX();
+  /// Sets `PollRegister` and `PollCount`.
+  void SetPollBlock(const PollBlock& block);
   /// Opens the port of `ModCom1`. False when it may not be opened: then panel 1 of the status bar says why.
   bool OpenPort();
   /// Reads one register; nothing when the read fails, so that what is shown stays.
   core::Task<std::optional<state::Word>> ReadOne(state::Register source);
+
+  /// Checks the identity, on a port that it opens if it is closed and closes again then, and runs `ShowRegisters`.
+  /// False when the module is another, or none answers.
+  core::Task<bool> ReadSettings();
+  /// Says that the module is another model's, or that none answers.
+  core::Task<> SayWrongModule();
+  /// Ends the session, as Stop does.
+  core::Task<> EndSession();
+
+  /// Holds the two timers of a session. The last of several that are under way lets them go on, unless the session in
+  /// which they were stopped is over.
+  class PollPause {
+   public:
+    explicit PollPause(DevicePage& page);
+    PollPause(const PollPause&) = delete;
+    PollPause& operator=(const PollPause&) = delete;
+    ~PollPause();
+    /// The timers stay off when this was the last.
+    void LeaveOff() { leavesOff_ = true; }
+
+   private:
+    DevicePage& page_;
+    int session_;
+    bool leavesOff_ = false;
+  };
 
   /// Closes the port at its end, whichever way out is taken.
   class PortClose {
@@ -232,26 +291,23 @@ class DevicePage : public view::Window {
   };
 
  private:
-  class PollPause;
   class DeedPause;
 
   core::Task<> StartClick();
   core::Task<> StopClick();
   core::Task<> TakeDown();
   core::Task<> WEEPClick();
-  core::Task<> WriteImages();
+  core::Task<> Commit();
   core::Task<> ResetClick();
   core::Task<> ResetInSession();
   core::Task<> ResetOutOfSession();
   core::Task<bool> OpenOnModule();
-  core::Task<> SayWrongModule();
   void UndoStart();
   core::Task<> Decode();
   core::Task<> TurnGears();
-  core::Task<> PressFlag(const Flag& flag);
+  core::Task<> ChangeFlag(const Flag& flag, bool set);
+  void StopGears();
   core::Task<> EditClick(view::Label& value, int minimum, int maximum);
-  void SetPollBlock(const PollBlock& block);
-  core::Task<> WriteAndKeep(state::Register target, state::Word value);
   void EnableTimers();
   void DisableTimers();
   void PrepareClip(bool play);

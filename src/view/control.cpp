@@ -68,7 +68,8 @@ CheckBox::CheckBox(Window& window, std::string_view name, std::string_view capti
 }
 
 std::vector<NamedValue> CheckBox::Properties() const {
-  return Join({{"Caption", Caption()}, {"Value", Number(Value)}}, Control::Properties());
+  return Join({{"Caption", Caption()}, {"Value", Number(Value)}, {"BackColor", Number(BackColor)}},
+              Control::Properties());
 }
 
 void CheckBox::OnSet(const void* property) {

@@ -124,6 +124,7 @@ class CheckBox : public Control {
 
   Property<std::string> Caption{*this};
   Property<int> Value{*this};  ///< 0 or 1
+  Property<Colour> BackColor{*this};
 
   /// Runs before a user's click toggles the box: it reads its intent from the box before its first wait.
   Handler OnPress;
@@ -191,6 +192,8 @@ class ComboBox : public Control {
 
   /// Runs inside each change of `ListIndex`, the program's included, and on each choice of the user.
   std::function<void()> OnSelect;
+  /// Runs after a choice of the user, also of the entry that was selected before.
+  Handler OnChoose;
 
  protected:
   void OnSet(const void* property) override;

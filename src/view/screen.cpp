@@ -297,7 +297,7 @@ GestureResult Screen::Choose(Control& control, int position) {
     const bool changes = list.ListIndex() != chosen;
     list.ListIndex = chosen;
     if (!changes && list.OnSelect) list.OnSelect();
-    co_return;
+    if (list.OnChoose) co_await list.OnChoose();
   };
   return Start(control.GetWindow(), choose(combo, position));
 }

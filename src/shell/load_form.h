@@ -11,8 +11,10 @@ namespace tarvo::shell {
 /// What is done with the page of a module that the search has found.
 enum class FoundStep {
   kClick,           ///< the click on its label in the page list
+  kShow,            ///< shown, as the click does it, and no more
   kCheckFWVersion,  ///< with the identity's release
   kReadEEPromFlags,
+  kEntered,  ///< `pageEntered` tells that the page's module was read
 };
 
 /// A module that the search knows.

@@ -49,6 +49,8 @@ MainWindow::MainWindow(view::Screen& screen, state::SharedState& state, pages::C
           {labBelk, MenuBelk, nullptr, 0, kTrue},       {labCobin, MenuCobin, nullptr, 1, kTrue},
           {labDravo, MenuDravo, nullptr, 2, kTrue},     {labFerrun, MenuFerrun, nullptr, 3, kTrue},
           {labGaven, MenuGaven, nullptr, 4, kTrue},     {labJorun, menuJorun, nullptr, 5, kTrue},
+          {labLumet, mnuLumet, nullptr, 6, kTrue},      {labMarlo, mnuMarlo, nullptr, 10, kTrue},
+          {LabQuenby, mnuQuenby, nullptr, 11, kTrue},
       },
       navigation_{&cbSelectDevice, &buttCheckDevice, &mnuCheckconnection} {
   for (const Entry& entry : entries_) {
@@ -211,8 +213,14 @@ core::Task<> MainWindow::LoadForm(state::Word identity) {
       case FoundStep::kClick:
         co_await LabelClick(EntryOf(found->page));
         break;
+      case FoundStep::kShow:
+        co_await GetScreen().ShowPage(&page);
+        break;
+      case FoundStep::kEntered:
+        state_.pageEntered = kTrue;
+        break;
       case FoundStep::kCheckFWVersion:
-        page.CheckFWVersion(identity.Low());
+        co_await page.CheckFoundFirmware(identity.Low());
         break;
       case FoundStep::kReadEEPromFlags:
         co_await page.ReadEEPromFlags();

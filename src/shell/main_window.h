@@ -46,6 +46,9 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   view::MenuItem MenuFerrun{*this, &mnuVesk, "MenuFerrun", "Ferrun"};
   view::MenuItem MenuGaven{*this, &mnuVesk, "MenuGaven", "Gaven"};
   view::MenuItem menuJorun{*this, &mnuVesk, "menuJorun", "Jorun"};
+  view::MenuItem mnuLumet{*this, &mnuVesk, "mnuLumet", "Lumet"};
+  view::MenuItem mnuMarlo{*this, &mnuVesk, "mnuMarlo", "Marlo"};
+  view::MenuItem mnuQuenby{*this, &mnuVesk, "mnuQuenby", "Quenby"};
   view::MenuItem HelpMNU{*this, nullptr, "HelpMNU", "&Help"};
   view::MenuItem ContentsMNU{*this, &HelpMNU, "ContentsMNU", "&Contents"};
   view::MenuItem frmAbout{*this, &HelpMNU, "frmAbout", "&About"};
@@ -66,6 +69,9 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   view::Label labFerrun{*this, "labFerrun", "Ferrun"};
   view::Label labGaven{*this, "labGaven", "Gaven"};
   view::Label labJorun{*this, "labJorun", "Jorun"};
+  view::Label labLumet{*this, "labLumet", "Lumet"};
+  view::Label labMarlo{*this, "labMarlo", "Marlo"};
+  view::Label LabQuenby{*this, "LabQuenby", "Quenby"};
 
   view::ControlArray<view::Panel, 2> StatusBar1;  ///< named "StatusBar1(1)" and "StatusBar1(2)"
   bus::MSComm MSComm1;

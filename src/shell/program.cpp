@@ -6,6 +6,9 @@
 #include "models/ferrun.h"
 #include "models/gaven.h"
 #include "models/jorun.h"
+#include "models/lumet.h"
+#include "models/marlo.h"
+#include "models/quenby.h"
 #include "pages/change_value.h"
 #include "pages/dlg_set_new_value.h"
 #include "pages/page_table.h"
@@ -25,6 +28,9 @@ struct Program::Parts {
                &ferrun,
                &gaven,
                &jorun,
+               &lumet,
+               &marlo,
+               &quenby,
                &dlgCalForm,
                &mainWindow.home,
                &mainWindow.pcSetup,
@@ -56,6 +62,9 @@ struct Program::Parts {
   models::Gaven gaven{context};
   calibration::DlgCalForm dlgCalForm{screen, state, context.ports};
   models::Jorun jorun{context, dlgCalForm};
+  models::Lumet lumet{context};
+  models::Marlo marlo{context};
+  models::Quenby quenby{context, dlgSetNewValue};
   std::vector<view::Window*> windows;
   bool starting = true;
 };

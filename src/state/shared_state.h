@@ -23,6 +23,8 @@ struct SharedState {
   Register PollRegister{40001};     ///< first register of the poll
   int PollCount = 0;                ///< registers that the poll reads
   std::array<Word, 20> PollBuffer{};
+  std::array<Word, 9> PollBufferA{};  ///< of a poll in two steps: the first one's block
+  std::array<Word, 9> PollBufferB{};
   int RunKind = 0;
   int ReadStep = 0;
   int EscPressed = 0;

@@ -59,7 +59,7 @@ std::u32string Caption(const std::string& caption) {
 }
 
 bool IsLit(view::Colour colour) {
-  return colour == view::kRed || colour == view::kGreen;
+  return colour == view::kRed;
 }
 
 /// `text` over `width` columns, numbers at the right.

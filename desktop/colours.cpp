@@ -41,7 +41,7 @@ Role RoleOf(view::Colour colour) {
     case view::kRed:
       return Role::kFault;
     case view::kGreen:
-      return Role::kGood;
+      return Role::kQuiet;
     case view::kBarBlue:
       return Role::kBar;
     case view::kHighlight:
@@ -56,6 +56,7 @@ QColor ToneOf(Role role, const QPalette& palette) {
   const bool dark = IsDark(palette);
   switch (role) {
     case Role::kGood:
+    case Role::kQuiet:
       return dark ? QColor(0x3f, 0xb9, 0x68) : QColor(0x1e, 0x9e, 0x4d);
     case Role::kFault:
       return dark ? QColor(0xf2, 0x6b, 0x66) : QColor(0xd3, 0x2f, 0x2f);

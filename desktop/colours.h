@@ -11,6 +11,7 @@ namespace tarvo::desktop {
 enum class Role {
   kDark,      ///< a mark that is not lit
   kGood,      ///< an active input or output, "OK"
+  kQuiet,     ///< a lamp that says in green that nothing is wrong: a ring, as a dark one
   kFault,     ///< a red lamp, a negative value
   kCaution,   ///< a line that fails
   kBar,       ///< a meter's filled shape

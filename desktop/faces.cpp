@@ -217,6 +217,7 @@ QWidget* Faces::MakeCheckBox(view::CheckBox& box, QWidget* parent, const Title& 
   Bind(box, mark, [&box, mark, title] {
     mark->setText(ToQt(box.Caption()));
     mark->setChecked(box.Value() != 0);
+    mark->SetRole(RoleOf(box.BackColor()));
     Name(*mark, box, Called(title, box.Caption()), OnOrOff(mark->isChecked()));
   });
   return mark;

@@ -57,7 +57,10 @@ void Mark::paintEvent(QPaintEvent* /*event*/) {
     painter.drawEllipse(place.adjusted(0.5, 0.5, -0.5, -0.5));
   } else {
     const double pen = std::max(1.0, diameter / 10);
-    painter.setPen(QPen(Mix(CardGround(palette()), palette().color(QPalette::WindowText), 0.55), pen));
+    const bool quiet = role_ == Role::kQuiet && isEnabled();
+    const QColor edge =
+        quiet ? ToneOf(role_, palette()) : Mix(CardGround(palette()), palette().color(QPalette::WindowText), 0.55);
+    painter.setPen(QPen(edge, pen));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(place.adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2));
   }

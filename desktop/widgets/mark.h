@@ -14,7 +14,7 @@ class Mark : public Clickable {
 
   void SetRole(Role role);
   void SetCaption(const QString& caption);
-  bool Lit() const { return role_ != Role::kDark; }
+  bool Lit() const { return role_ != Role::kDark && role_ != Role::kQuiet; }
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }

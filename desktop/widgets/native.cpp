@@ -1,6 +1,7 @@
 #include "desktop/widgets/native.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
@@ -38,6 +39,24 @@ void PushButton::paintEvent(QPaintEvent* event) {
   option.palette.setColor(QPalette::Button, palette().color(QPalette::Highlight));
   option.palette.setColor(QPalette::ButtonText, palette().color(QPalette::HighlightedText));
   QStylePainter(this).drawControl(QStyle::CE_PushButton, option);
+}
+
+void CheckMark::SetRole(Role role) {
+  if (role_ == role) return;
+  role_ = role;
+  update();
+}
+
+void CheckMark::paintEvent(QPaintEvent* event) {
+  if (role_ != Role::kDark) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Mix(CardGround(palette()), ToneOf(role_, palette()), 0.2));
+    const double corner = Em(*this, 0.25);
+    painter.drawRoundedRect(QRectF(rect()), corner, corner);
+  }
+  QCheckBox::paintEvent(event);
 }
 
 OptionMark::OptionMark(QWidget* parent) : QRadioButton(parent) {

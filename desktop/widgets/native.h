@@ -7,6 +7,7 @@
 #include <QRadioButton>
 #include <functional>
 
+#include "desktop/colours.h"
 #include "view/control.h"
 
 // The toolkit's own widgets, kept from changing themselves: a gesture asks the view, and the view's value is shown.
@@ -32,8 +33,15 @@ class CheckMark : public QCheckBox {
  public:
   using QCheckBox::QCheckBox;
 
+  /// What its back colour stands for.
+  void SetRole(Role role);
+
  protected:
   void nextCheckState() override {}
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  Role role_ = Role::kDark;
 };
 
 class OptionMark : public QRadioButton {

@@ -45,6 +45,10 @@ TEST_P(Palettes, ALitMarkIsFilledAndADarkOneIsARing) {
   };
   EXPECT_EQ(inMiddle("Stato(0)"), desktop::ToneOf(Role::kGood, palette));
   EXPECT_EQ(inMiddle("Stato(1)"), desktop::CardGround(palette));
+  bench.page.Over[1].BackColor = view::kGreen;
+  bench.Settle();
+  EXPECT_EQ(inMiddle("Over(0)"), desktop::ToneOf(Role::kFault, palette));
+  EXPECT_EQ(inMiddle("Over(1)"), desktop::CardGround(palette));
   const QImage ring = MiddleRow(bench.Find("Stato(1)"));
   int drawn = 0;
   for (int x = 0; x < ring.width(); ++x) drawn += ring.pixelColor(x, 0) != desktop::CardGround(palette) ? 1 : 0;
@@ -238,7 +242,7 @@ TEST(Colours, DisabledTextsCastNoShadow) {
 TEST(Colours, TheSystemsNumbersHaveTheirRoles) {
   EXPECT_EQ(desktop::RoleOf(view::kRed), Role::kFault);
   EXPECT_EQ(desktop::RoleOf(view::kDarkRed), Role::kDark);
-  EXPECT_EQ(desktop::RoleOf(view::kGreen), Role::kGood);
+  EXPECT_EQ(desktop::RoleOf(view::kGreen), Role::kQuiet);
   EXPECT_EQ(desktop::RoleOf(view::kBarBlue), Role::kBar);
   EXPECT_EQ(desktop::RoleOf(view::kHighlight), Role::kSelected);
   EXPECT_EQ(desktop::RoleOf(static_cast<view::Colour>(0x8000000F)), Role::kDark);

@@ -52,7 +52,8 @@ TEST_F(Controls, EachKindTellsItsProperties) {
   EXPECT_THAT(PropertyNames(page_.FilterBelk),
               ElementsAre("Caption", "BackColor", "Enabled", "Visible", "ToolTipText"));
   EXPECT_THAT(PropertyNames(page_.StartBelk), ElementsAre("Caption", "Enabled", "Visible", "ToolTipText"));
-  EXPECT_THAT(PropertyNames(page_.CheckBelk1), ElementsAre("Caption", "Value", "Enabled", "Visible", "ToolTipText"));
+  EXPECT_THAT(PropertyNames(page_.CheckBelk1),
+              ElementsAre("Caption", "Value", "BackColor", "Enabled", "Visible", "ToolTipText"));
   EXPECT_THAT(PropertyNames(page_.Even), ElementsAre("Caption", "Value", "Enabled", "Visible", "ToolTipText"));
   EXPECT_THAT(PropertyNames(page_.BaudBelk),
               ElementsAre("Text", "ListIndex", "List", "ItemData", "Enabled", "Visible", "ToolTipText"));

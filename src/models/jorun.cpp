@@ -166,12 +166,7 @@ core::Task<> Jorun::ApplyFirmware(int /*release*/) {
 
 core::Task<Jorun::Version> Jorun::CheckVersion() {
   const view::Hourglass hourglass(GetScreen());
-  std::optional<PortClose> closes;
-  if (!ModCom1.PortOpen()) {
-    SetupModcomOCX();
-    OpenPort();
-    closes.emplace(*this);
-  }
+  const PortVisit visit(*this);
   const std::optional<Word> identity = co_await ReadOne("40001"_reg);
   versionChecked_ = true;
   if (!identity) co_return Version::kUnread;

@@ -185,12 +185,7 @@ void Marlo::Deactivate() {
 
 core::Task<> Marlo::CheckFWVersion() {
   const view::Hourglass hourglass(GetScreen());
-  std::optional<PortClose> closes;
-  if (!ModCom1.PortOpen()) {
-    SetupModcomOCX();
-    OpenPort();
-    closes.emplace(*this);
-  }
+  const PortVisit visit(*this);
   const std::optional<Word> release = co_await ReadOne(kRelease);
   if (release) Firmware.Caption = "Firmware rel: " + std::to_string(release->Unsigned());
 }
@@ -324,9 +319,7 @@ core::Task<> Marlo::OutputClick(int output) {
     co_await Toggle(output);
   } else {
     {
-      SetupModcomOCX();
-      OpenPort();
-      const PortClose closes(*this);
+      const PortVisit visit(*this);
       co_await Toggle(output);
     }
     co_await ReadEEPromFlags();

@@ -222,14 +222,9 @@ core::Task<> Quenby::NewValueClick(int output) {
 /// At once, and not to the EEPROM. Without a session the port is open just for this.
 core::Task<> Quenby::WriteOutput(int output, Word value) {
   const view::Hourglass hourglass(GetScreen());
-  std::optional<PortClose> closes;
-  if (!InSession()) {
-    // Another gesture, or a reading of the module, is under way.
-    if (ModCom1.PortOpen()) co_return;
-    SetupModcomOCX();
-    OpenPort();
-    closes.emplace(*this);
-  }
+  // Without a session an open port is that of another gesture, or of a reading under way.
+  if (!InSession() && ModCom1.PortOpen()) co_return;
+  const PortVisit visit(*this);
   std::optional<PollPause> pause;
   if (InSession()) pause.emplace(*this);
   co_await bus::WriteRegister(ModCom1, kOutput1 + output, value.Unsigned(), Context().status.passing);

@@ -261,7 +261,10 @@ core::Task<> DevicePage::WEEPClick() {
 }
 
 core::Task<> DevicePage::Commit() {
+  const int session = session_;
   co_await WriteEEprom();
+  // A Stop meanwhile has closed the port under the writes: nobody knows what was stored.
+  if (session != session_) co_return;
   co_await context_.screen.MsgBox(std::string(identity_.updated.text), identity_.updated.icon);
 }
 
@@ -483,13 +486,7 @@ core::Task<> DevicePage::ReadEEPromFlags() {
 
 core::Task<bool> DevicePage::ReadSettings() {
   const view::Hourglass hourglass(context_.screen);
-  std::optional<PortClose> closes;
-  if (!ModCom1.PortOpen()) {
-    SetupModcomOCX();
-    // A port that does not open shows as an identity that is not read.
-    OpenPort();
-    closes.emplace(*this);
-  }
+  const PortVisit visit(*this);
   const std::optional<Word> identity = co_await ReadOne("40001"_reg);
   const bool ours = identity && identity->High() == identity_.code;
   if (ours) co_await ShowRegisters();

@@ -290,6 +290,21 @@ class DevicePage : public view::Window {
     DevicePage& page_;
   };
 
+  /// A visit to the port: opens it, set up anew, if it is closed, and closes it again then. A port that does not open
+  /// shows as reads that fail.
+  class PortVisit {
+   public:
+    explicit PortVisit(DevicePage& page) {
+      if (page.ModCom1.PortOpen()) return;
+      page.SetupModcomOCX();
+      page.OpenPort();
+      closes_.emplace(page);
+    }
+
+   private:
+    std::optional<PortClose> closes_;
+  };
+
  private:
   class DeedPause;
 

@@ -12,6 +12,7 @@
 
 #include "support/console_process.h"
 #include "support/mbpoll.h"
+#include "support/page_names.h"
 #include "support/quiet_settings.h"
 #include "support/simulator_process.h"
 #include "support/temporary_folder.h"
@@ -35,7 +36,8 @@ enum class Life { kStill, kLive };
 class PageBench : public testing::Test {
  protected:
   /// `model` as the page's controls have it: "Belk" for "StartBelk".
-  explicit PageBench(std::string model) : model_(std::move(model)) {}
+  explicit PageBench(std::string model) : PageBench(PageNames{std::move(model)}) {}
+  explicit PageBench(PageNames names) : names_(std::move(names)) {}
 
   /// Where the simulator's port is, once it runs.
   std::string Device() const { return (folder / "com1").string(); }
@@ -53,7 +55,7 @@ class PageBench : public testing::Test {
   std::unique_ptr<ConsoleProcess> OpenProgram(const std::string& device) {
     const std::string settings = SettingsWithoutSearch(folder / ("settings" + std::to_string(++programs_)));
     auto program = std::make_unique<ConsoleProcess>(std::vector<std::string>{"--settings", settings, "--com1", device});
-    EXPECT_EQ(program->Do("click lab" + model_), kNothing);
+    EXPECT_EQ(program->Do("click " + names_.label), kNothing);
     return program;
   }
   void OpenConsole(const std::string& device) { console = OpenProgram(device); }
@@ -61,12 +63,12 @@ class PageBench : public testing::Test {
 
   /// A click on Start that must lead to a session.
   void StartSession() {
-    EXPECT_EQ(console->Do("click Start" + model_), kNothing);
+    EXPECT_EQ(console->Do("click " + names_.start), kNothing);
     EXPECT_EQ(Get("StartComm"), "-1");
-    Until("Message" + model_ + ".Caption = OK");
+    Until(names_.message + ".Caption = OK");
   }
   void StopSession() {
-    EXPECT_EQ(console->Do("click Stop" + model_), kNothing);
+    EXPECT_EQ(console->Do("click " + names_.stop), kNothing);
     EXPECT_EQ(Get("StartComm"), "0");
   }
   /// All of it: simulator, console, session.
@@ -114,9 +116,9 @@ class PageBench : public testing::Test {
     EXPECT_EQ(Get("ModCom1.PortOpen"), "false");
     EXPECT_EQ(Get("TimerLetturaSeriale.Enabled"), "false");
     EXPECT_EQ(Get("TimerGestioneLetture.Enabled"), "false");
-    EXPECT_EQ(Get("Start" + model_ + ".Enabled"), "true");
-    EXPECT_EQ(Get("lab" + model_ + ".Enabled"), "true");
-    EXPECT_EQ(Get("Menu" + model_ + ".Enabled"), "true");
+    EXPECT_EQ(Get(names_.start + ".Enabled"), "true");
+    EXPECT_EQ(Get(names_.label + ".Enabled"), "true");
+    EXPECT_EQ(Get(names_.menu + ".Enabled"), "true");
     EXPECT_EQ(Get("MousePointer"), "default");
   }
 
@@ -125,7 +127,7 @@ class PageBench : public testing::Test {
   std::unique_ptr<ConsoleProcess> console;
 
  private:
-  std::string model_;
+  PageNames names_;
   int programs_ = 0;
 };
 

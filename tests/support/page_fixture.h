@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "support/page_names.h"
 #include "support/program_fixture.h"
 
 namespace tarvo::test {
@@ -20,18 +21,19 @@ class PageFixture : public ProgramFixture {
   static constexpr int kIdentity = 40001;
 
   /// `model` as the page's controls have it: "Belk" for "StartBelk".
-  explicit PageFixture(std::string model) : model_(std::move(model)) {}
+  explicit PageFixture(std::string model) : PageFixture(PageNames{std::move(model)}) {}
+  explicit PageFixture(PageNames names) : names_(std::move(names)) {}
 
   /// Shows the page and forgets what the program's start-up did to the ports.
   void OpenPage() {
-    Click("lab" + model_);
+    Click(names_.label);
     ports.ForgetAttempts();
     line.ForgetCounts();
   }
 
   /// Presses Start and forgets what that read.
   void StartSession() {
-    Click("Start" + model_);
+    Click(names_.start);
     ASSERT_TRUE(InSession()) << (BoxInFront() == nullptr ? "no session, no box" : BoxInFront()->text);
     module.ForgetLog();
   }
@@ -63,7 +65,7 @@ class PageFixture : public ProgramFixture {
   int Polled(std::size_t element) const { return State().PollBuffer.at(element).Unsigned(); }
 
  private:
-  std::string model_;
+  PageNames names_;
 };
 
 }  // namespace tarvo::test

@@ -27,7 +27,7 @@ constexpr int kFlags = 40020;
 
 class LumetPage : public test::PageBench {
  protected:
-  LumetPage() : PageBench({.model = "Lumet", .menu = "mnuLumet"}) {}
+  LumetPage() : PageBench(test::PageNames{.model = "Lumet", .menu = "mnuLumet"}) {}
 
   static std::string Member(const std::string& array, int index) { return array + '(' + std::to_string(index) + ')'; }
   /// Inputs count from 0 here.

@@ -429,7 +429,9 @@ std::u32string Painter::PaintControl(const Control& control, int width) const {
       return Bracketed(control, U'[', Fill(Printable(combo.Text()), entry) + U" " + glyphs_.list, U']');
     }
     case view::Kind::kTextBox: {
-      std::u32string text = Printable(static_cast<const view::TextBox&>(control).Text());
+      const auto& box = static_cast<const view::TextBox&>(control);
+      std::u32string text = Printable(box.Text());
+      if (box.Locked) return Fill(Dimmed(control, text), width);
       text += Repeat(U'_', std::max(width, kTextBoxColumns) - 2 - WidthOf(text));
       return Bracketed(control, U'[', text, U']');
     }

@@ -263,6 +263,15 @@ QWidget* Faces::MakeComboBox(view::ComboBox& combo, QWidget* parent, const Title
 }
 
 QWidget* Faces::MakeTextBox(view::TextBox& field, QWidget* parent, const Title& title) {
+  if (field.Locked) {
+    auto* value = new TextLabel(parent, TextLabel::Look::kPlain);
+    value->AlignNumbers();
+    Bind(field, value, [&field, value, title] {
+      value->SetText(ToQt(field.Text()));
+      Name(*value, field, Called(title), value->Text());
+    });
+    return value;
+  }
   auto* edit = new TextField(parent);
   edit->onKey = [this, &field](view::Key key) { screen_.PressKey(&field, key); };
   edit->onLeave = [this, &field] { screen_.Leave(field); };
@@ -275,7 +284,7 @@ QWidget* Faces::MakeTextBox(view::TextBox& field, QWidget* parent, const Title& 
     if (edit->text() != text) {
       edit->setText(text);
       // The program has put something else there: the next key replaces it.
-      edit->selectAll();
+      if (edit->hasFocus()) edit->selectAll();
     }
     Name(*edit, field, CalledOr(title, field.GetWindow().Caption));
   });

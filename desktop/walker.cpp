@@ -99,6 +99,12 @@ bool Holds(const view::Node& node, const view::Node* sought) {
 }
 
 /// The text that names a row of a table: its first that is only shown. Null when there is none.
+/// A mark alone: an image or a lamp that has its name from its row and its column.
+bool IsBareMark(const view::Node& cell) {
+  if (IsKind(cell, view::Kind::kImageBox)) return true;
+  return IsKind(cell, view::Kind::kLamp) && static_cast<const view::Lamp*>(cell.control)->Caption().empty();
+}
+
 const view::Node* RowName(const view::Node& node) {
   if (node.kind == NodeKind::kText || (IsKind(node, view::Kind::kLabel) && !node.control->TakesClick())) return &node;
   for (const view::Node& child : node.children) {
@@ -297,7 +303,10 @@ QWidget* Walker::BuildTable(const view::Node& node, QWidget* parent) {
       const bool headed = column < static_cast<int>(node.headings.size()) && !Holds(cell, name);
       const std::string& heading = headed ? node.headings[static_cast<std::size_t>(column)] : kNoHeading;
       if (QWidget* widget = BuildCell(cell, table, TitleOf(name, heading))) {
-        grid->addWidget(widget, row, column, Qt::AlignVCenter);
+        grid->addWidget(widget, row, column, IsBareMark(cell) ? Qt::AlignCenter : Qt::AlignVCenter);
+        if (QLayoutItem* above = IsBareMark(cell) ? grid->itemAtPosition(0, column) : nullptr) {
+          above->setAlignment(Qt::AlignCenter);
+        }
       }
       ++column;
     }

@@ -112,7 +112,10 @@ Lumet::Lumet(pages::PageContext& context)
   WEEP.ToolTipText = "Write current  settings to eeprom";
   Reset->ToolTipText = "Module Reset";
   for (view::ARMetor& bar : BargLumet) pages::MakeBar(bar);
-  for (view::TextBox& value : tbMisura) value.Text = "0";
+  for (view::TextBox& value : tbMisura) {
+    value.Text = "0";
+    value.Locked = true;
+  }
   BindClickedFlags(flags_);
   BindParity(CheckLumet6, OptionLumet1, OptionLumet2, kFlags);
   for (int i = 0; i < kMeasures; ++i) cbIngresso[i].OnSelect = [this, i] { ListTypes(i); };
@@ -349,7 +352,6 @@ view::Node Lumet::Arrangement() const {
                                     })),
           }),
       })),
-      view::Space(),
       Foot(),
   });
 }

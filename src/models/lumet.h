@@ -65,6 +65,8 @@ class Lumet : public pages::DevicePage {
   void Load() override;
   void CheckFWVersion(int release) override;
   void LumetEnableControls(bool enabled);
+  /// Goes on when that many seconds have gone by; all else runs meanwhile.
+  core::Task<> Pause(float seconds);
 
   view::Node Arrangement() const override;
 
@@ -92,7 +94,6 @@ class Lumet : public pages::DevicePage {
   state::Word ReadFlagsFromForm() const;
   state::Word SetMeasureType() const;
   core::Task<> WriteEEpromRegisters();
-  core::Task<> Pause(float seconds);
 
   const std::array<pages::Flag, 4> flags_;
   int commstep_ = 1;  ///< of the poll, 1 or 2

@@ -135,6 +135,7 @@ Marlo::Marlo(pages::PageContext& context)
   WEEP.ToolTipText = "Write settings to eeprom: serial settings, safety timeout, diagnostic mask";
   WEEP.OnClick = [this] { return WEEPMarloClick(); };
   txtVoltage.Text = "0";
+  txtVoltage.Locked = true;
   txtValTreshold.Text = "0";
   txtDelay.Text = "0";
   ComboFailLed.ListIndex = 0;
@@ -167,8 +168,8 @@ void Marlo::Load() {
 
 core::Task<> Marlo::Activate() {
   // A return from a dialog in a session leaves the session as it is.
+  if (Enters()) State().StartComm = kFalse;
   if (State().pageEntered != kFalse) co_return;
-  State().StartComm = kFalse;
   Start.Enabled = false;
   co_await CheckFWVersion();
   co_await ReadEEPromFlags();
@@ -525,7 +526,6 @@ view::Node Marlo::Arrangement() const {
               view::Frame("Diagnostics Mask", view::Row({maskColumn(0), maskColumn(kCount / 2)})),
           }),
       })),
-      view::Space(),
       Foot(),
   });
 }

@@ -105,10 +105,11 @@ Quenby::Quenby(pages::PageContext& context, pages::DlgSetNewValue& newValue)
   }
   for (int i = 0; i < kOutputs; ++i) {
     txtValRam[i].OnClick = [this, i] { return NewValueClick(i); };
-    txtVal[i].Text = "0";
     txtVal[i].OnKey = [this, i](view::Key key) { return DefaultKey(i, key); };
     txtVal[i].OnLeave = [this, i] { return TestDefault(i); };
   }
+  // A plain "0" draws a false warning from g++ 12 here when it optimises.
+  for (view::TextBox& value : txtVal) value.Text = std::string("0");
   BindEdit(labAddress, 1, 255);
   BindEdit(labTimeout, 0, 65535);
   // They only show what the module says.
@@ -136,8 +137,8 @@ void Quenby::Load() {
 
 core::Task<> Quenby::Activate() {
   // A return from a dialog in a session leaves the session as it is.
+  if (Enters()) State().StartComm = kFalse;
   if (State().pageEntered != kFalse) co_return;
-  State().StartComm = kFalse;
   Start.Enabled = false;
   co_await ReadEEPromFlags();
   State().pageEntered = kTrue;

@@ -520,6 +520,7 @@ void DevicePage::Load() {
 
 void DevicePage::Deactivate() {
   if (TimerControllo) TimerControllo->Enabled = false;
+  entered_ = false;
   // A last defence: a session does not let its page be left.
   ++session_;
   ClosePort();

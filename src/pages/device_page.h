@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "bus/modcom/modcom.h"
 #include "core/task.h"
@@ -190,6 +191,8 @@ class DevicePage : public view::Window {
   // What a model's handlers use.
 
   state::SharedState& State() { return context_.state; }
+  /// True at the first call after the page was left: its `Activate` is no return from a dialog.
+  bool Enters() { return !std::exchange(entered_, true); }
   bool InSession() const { return context_.state.StartComm == state::kTrue; }
   PageContext& Context() { return context_; }
   /// The latest word of `source`, a register of the block that is polled now.
@@ -341,6 +344,7 @@ class DevicePage : public view::Window {
   PollBlock block_;  ///< that the page polls now
   std::span<const Flag> flags_;
   Parity parity_;
+  bool entered_ = false;
   int session_ = 0;  ///< counts sessions begun and ended: who waits sees by it that his session is over
   int pauses_ = 0;   ///< handlers of this session that hold the timers
 };

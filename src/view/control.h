@@ -206,6 +206,8 @@ class TextBox : public Control {
   std::vector<NamedValue> Properties() const override;
 
   Property<std::string> Text{*this};
+  /// Shows only, takes no typing. Set while the window is made.
+  bool Locked = false;
 
   std::function<core::Task<>(Key)> OnKey;
   Handler OnLeave;

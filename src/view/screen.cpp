@@ -305,7 +305,9 @@ GestureResult Screen::Choose(Control& control, int position) {
 GestureResult Screen::Type(Control& control, std::string_view text) {
   if (std::string why = WhyNot(control); !why.empty()) return Refused(std::move(why));
   if (control.GetKind() != Kind::kTextBox) return Refused(control.Name() + " takes no text");
-  static_cast<TextBox&>(control).Text = text;
+  auto& box = static_cast<TextBox&>(control);
+  if (box.Locked) return Refused(control.Name() + " only shows a value");
+  box.Text = text;
   return TakenAtOnce();
 }
 

@@ -31,6 +31,7 @@ class QuenbyEntry : public QuenbyModule {
 };
 
 TEST_F(QuenbyEntry, ReadsTheModuleOneRegisterAtATime) {
+  line.ForgetCounts();
   Click("MDIForm1.LabQuenby");
   EXPECT_THAT(module.TakeLog(), ElementsAreArray(SettingsReads()));
   EXPECT_EQ(line.Opens(), 1);
@@ -107,13 +108,17 @@ TEST_F(QuenbyEntry, ReadsNothingWhenADialogOverThePageCloses) {
 }
 
 TEST_F(QuenbyEntry, EndsWhatCountedAsASession) {
-  for (const bool entered : {false, true}) {
-    State().pageEntered = entered ? state::kTrue : state::kFalse;
-    State().StartComm = state::kTrue;
-    Click("MDIForm1.LabQuenby");
-    EXPECT_EQ(State().StartComm, state::kFalse) << entered;
-    Click("MDIForm1.LabHome");
-  }
+  State().StartComm = state::kTrue;
+  Click("MDIForm1.LabQuenby");
+  EXPECT_EQ(State().StartComm, state::kFalse);
+}
+
+TEST_F(QuenbyEntry, EndsWhatCountedAsASessionAtTheNextVisitToo) {
+  OpenPage();
+  Click("MDIForm1.LabHome");
+  State().StartComm = state::kTrue;
+  Click("MDIForm1.LabQuenby");
+  EXPECT_EQ(State().StartComm, state::kFalse);
 }
 
 TEST_F(QuenbyEntry, SpeaksToThePortLineAndAddressOfPcSetup) {
@@ -190,6 +195,26 @@ TEST_F(QuenbyEntry, ShowsTheRegistersBehindOneThatIsRefused) {
   ASSERT_THAT(module.TakeLog(), Contains("reads 40004: exception 2"));
   EXPECT_EQ(Text("labTimeout"), "77");
   EXPECT_THAT(OutputTexts(), ElementsAre("1", "2", "3"));
+}
+
+TEST_F(QuenbyEntry, KeepsWhatItShowedOfARegisterThatIsRefused) {
+  Set(kFlags, kAllFlags);
+  Set(kStatus, 0x0003);
+  Set(kSafeTime, 77);
+  Set(kCommunication, 0x0305);
+  SetOutputs(1, 20, 300);
+  OpenPage();
+  module.Next(ModuleFault::None());
+  for (std::size_t i = 1; i < SettingsReads().size(); ++i) module.Next(ModuleFault::Exception(2));
+  VisitAnew();
+  EXPECT_EQ(Text("labFW"), "FW vers. : 3");
+  EXPECT_TRUE(Checked("CheckError(0)"));
+  EXPECT_TRUE(Checked("CheckError(1)"));
+  EXPECT_EQ(FlagsShown(), kAllFlags);
+  EXPECT_EQ(Text("labTimeout"), "77");
+  EXPECT_EQ(Text("labAddress"), "5");
+  EXPECT_EQ(Text("cbBaud"), "38400");
+  EXPECT_THAT(OutputTexts(), ElementsAre("1", "20", "300"));
 }
 
 // What it shows of what it reads.

@@ -186,6 +186,16 @@ TEST_F(QuenbySession, IsRefusedToASilentModule) {
   StartSession();
 }
 
+TEST_F(QuenbySession, IsRefusedWithoutAPortAsCommitAndResetAre) {
+  ports.Disconnect(1);
+  for (const char* button : {"buttStart", "buttWriteEEPROM", "buttReset"}) {
+    Click(button);
+    EXPECT_THAT(BoxInFront(), IsBox(kNotAQuenby, view::Icon::kCritical)) << button;
+    AnswerOk();
+    ExpectOffline();
+  }
+}
+
 TEST_F(QuenbySession, GoesOnWithoutTheSettingsOfAModuleThatItNoLongerKnows) {
   Set(kSafeTime, 99);
   module.Next(ModuleFault::None());

@@ -132,7 +132,7 @@ TEST_F(LumetPage, ShowsTheSettings) {
 }
 
 TEST_F(LumetPage, FollowsALivingModule) {
-  OpenSession("lumet", Life::kLive);
+  OpenSession("lumet:40003=65534", Life::kLive);
   for (const char* total : {"TotIN(7)", "TotIN(8)", "TotIN(9)"}) {
     const std::string before = Get(total + std::string(".Caption"));
     Until(total + std::string(".Caption != ") + before);
@@ -141,7 +141,8 @@ TEST_F(LumetPage, FollowsALivingModule) {
   LetPollBoth();
   EXPECT_EQ(Measure(0), "8");
   EXPECT_EQ(Measure(1), "5");
-  Until("OverFlowIN(0).BackColor = " + test::kLampOn, "30s");
+  Until("OverFlowIN(0).BackColor = " + kLampOn, "4s");
+  Until("TotIN(0).Caption < 100");
 }
 
 TEST_F(LumetPage, FollowsInputsAndMarksOnTheirOwn) {

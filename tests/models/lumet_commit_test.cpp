@@ -308,7 +308,7 @@ TEST_P(LumetCommit, GoesOnThroughWritesThatAreRefused) {
   ExpectAsBefore();
 }
 
-TEST_P(LumetCommit, HoldsItsButtonsAndThePointerToItsEnd) {
+TEST_P(LumetCommit, HoldsItsButtonsUntilItsBoxIsAnswered) {
   ShowModule();
   BeginCommit();
   for (const int at : {0, 500, 2000, 4000, 6500}) {
@@ -320,9 +320,19 @@ TEST_P(LumetCommit, HoldsItsButtonsAndThePointerToItsEnd) {
   RunToItsBox();
   EXPECT_FALSE(Enabled("WEEPLumet"));
   EXPECT_FALSE(Enabled("ResetLumet"));
-  EXPECT_FALSE(Hourglass());
   AnswerOk();
   ExpectAsBefore();
+}
+
+TEST_P(LumetCommit, GivesThePointerBackBeforeItsBox) {
+  ShowModule();
+  BeginCommit();
+  RunTo(6500);
+  EXPECT_TRUE(Hourglass());
+  RunToItsBox();
+  EXPECT_FALSE(Hourglass());
+  AnswerOk();
+  EXPECT_FALSE(Hourglass());
 }
 
 struct NoNumber {

@@ -120,7 +120,7 @@ TEST_F(LumetView, HasItsCaptions) {
 TEST_F(LumetView, NamesItsSettings) {
   EXPECT_THAT(Words(), IsSupersetOf({"Input  reg. 40016", "Input  reg. 40017", "Meas. Type 40016", "Meas. Type 40017",
                                      "Value reg. 40016", "Value reg. 40017", "Inp. 9-10 configuration",
-                                     "Inputs Filter (mSec)"}));
+                                     "Inputs Filter (mSec)", "Fast"}));
 }
 
 TEST_F(LumetView, NamesRegisterAndBitInItsToolTips) {
@@ -161,11 +161,10 @@ TEST_F(LumetView, ShowsAllThatCanBeUsed) {
   std::vector<std::string> shown;
   for (const view::Control* control : view::ReadingOrder(Page().Arrangement())) shown.push_back(control->Name());
   std::vector<std::string> expected = {
-      "StartLumet",  "StopLumet",       "WEEPLumet",       "ResetLumet",    "MessageLumet",
-      "FirmwLumet",  "MediaPlayer1",    "LabelFASTLumet",  "FilterLumet",   "AddressLumet",
-      "BaudLumet",   "cbCombIngressi",  "CheckLumet2",     "CheckLumet3",   "CheckLumet4",
-      "CheckLumet5", "CheckLumet6",     "OptionLumet1",    "OptionLumet2",  "cbIngresso(0)",
-      "tbMisura(0)", "cbTipoMisura(0)", "cbTipoMisura(1)", "cbIngresso(1)", "tbMisura(1)"};
+      "StartLumet",    "StopLumet",   "WEEPLumet",       "ResetLumet",      "MessageLumet",   "FirmwLumet",
+      "MediaPlayer1",  "FilterLumet", "AddressLumet",    "BaudLumet",       "cbCombIngressi", "CheckLumet2",
+      "CheckLumet3",   "CheckLumet4", "CheckLumet5",     "CheckLumet6",     "OptionLumet1",   "OptionLumet2",
+      "cbIngresso(0)", "tbMisura(0)", "cbTipoMisura(0)", "cbTipoMisura(1)", "cbIngresso(1)",  "tbMisura(1)"};
   for (int i = 0; i < kInputs; ++i) {
     expected.insert(expected.end(), {Stato(i), Total(i), Bar(i), Overflow(i), Member("LabelIN", i)});
   }

@@ -292,6 +292,22 @@ TEST_F(MarloCommit, LeavesTheLimitsOutWhenOneIsNoNumberAndGoesOn) {
   }
 }
 
+TEST_F(MarloCommit, TellsAnOverflowAndWritesNoLimits) {
+  for (const char* box : {"txtValTreshold", "txtDelay"}) {
+    SCOPED_TRACE(box);
+    Reenter();
+    Type(box, "99999999999");
+    module.ForgetLog();
+    Click("buttWEEPMarlo");
+    EXPECT_THAT(BoxInFront(), IsBox(core::kOverflow, view::Icon::kExclamation));
+    AnswerOk();
+    while (BoxInFront() != nullptr) AnswerOk();
+    EXPECT_THAT(module.TakeLog(), testing::Not(Contains(StartsWith("writes 40016"))));
+    ASSERT_TRUE(Enabled("buttWEEPMarlo"));
+    ExpectOffline();
+  }
+}
+
 TEST_F(MarloCommit, DoesNotWriteTheDiagnosticsMask) {
   for (int i = 0; i < kCount; ++i) Click(Member("checkMask", i));
   Commit();
@@ -300,6 +316,18 @@ TEST_F(MarloCommit, DoesNotWriteTheDiagnosticsMask) {
 }
 
 // In a session.
+
+TEST_F(MarloCommit, InASessionLeavesThePageToStopAfterAnOverflow) {
+  StartSession();
+  Type("txtDelay", "99999999999");
+  Click("buttWEEPMarlo");
+  EXPECT_THAT(BoxInFront(), IsBox(core::kOverflow, view::Icon::kExclamation));
+  AnswerOk();
+  while (BoxInFront() != nullptr) AnswerOk();
+  EXPECT_TRUE(Enabled("buttWEEPMarlo"));
+  if (InSession()) Click("buttStopMarlo");
+  ExpectOffline();
+}
 
 TEST_F(MarloCommit, InASessionWritesTheSameAndEndsThePolling) {
   StartSession();

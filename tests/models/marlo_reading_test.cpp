@@ -124,6 +124,11 @@ TEST_F(MarloReading, EndsWithTheLineClosedAndThePageFree) {
   EXPECT_EQ(Panel2(), "");
 }
 
+TEST_F(MarloReading, IsRememberedOnceThePageHasRead) {
+  OpenPage();
+  EXPECT_EQ(State().pageReadDone, state::kTrue);
+}
+
 TEST_F(MarloReading, IsForgottenWhenThePageIsLeft) {
   OpenPage();
   State().pageReadDone = state::kTrue;

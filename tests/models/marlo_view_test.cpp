@@ -150,6 +150,10 @@ TEST_F(MarloView, HasTheTimersOfASessionAndNoTimerControllo) {
   EXPECT_EQ(FindControl("frmMarlo.TimerControllo"), nullptr);
 }
 
+TEST_F(MarloView, NamesItsOutputsOnThePage) {
+  for (int i = 0; i < kCount; ++i) EXPECT_THAT(Texts(), Contains("Out-" + std::to_string(i + 1)));
+}
+
 TEST_F(MarloView, NumbersItsColumns) {
   for (const char* name : {"labNum", "labNum2", "labNum3", "labNum4", "labNum5", "labNum6"}) {
     EXPECT_NE(FindControl("frmMarlo." + std::string(name)), nullptr) << name;

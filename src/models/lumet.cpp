@@ -9,6 +9,7 @@
 #include "pages/meter_percent.h"
 #include "state/bit_shifts.h"
 #include "state/number_text.h"
+#include "view/screen.h"
 
 namespace tarvo::models {
 
@@ -298,6 +299,8 @@ core::Task<> Lumet::WriteEEpromRegisters() {
   co_await Pause(2);
   co_await ModCom1.WritePLC(kStoredFilter, filter, 1);
   co_await ModCom1.Free();
+  // Before the box that says so, other than on the other pages.
+  GetScreen().SetMousePointer(view::Screen::Pointer::kDefault);
 }
 
 core::Task<> Lumet::Pause(float seconds) {
@@ -321,23 +324,28 @@ view::Node Lumet::Arrangement() const {
   std::vector<view::Node> inputs;
   inputs.reserve(kInputs);
   for (int i = 0; i < kInputs; ++i) {
-    view::Node name = view::Show(LabelIN[i]);
-    if (i >= kFirstFastInput) name = view::Row({std::move(name), view::Text("Fast")});
-    inputs.push_back(view::Row({view::Show(StatoIN[i]), std::move(name), view::Show(TotIN[i]), view::Show(BargLumet[i]),
-                                view::Show(OverFlowIN[i])}));
+    // One label stands over both fast inputs: the second row says its text again.
+    view::Node fast = i == kFirstFastInput ? view::Show(LabelFASTLumet)
+                                           : view::Text(i > kFirstFastInput ? LabelFASTLumet.Caption() : "");
+    inputs.push_back(view::Row({view::Show(StatoIN[i]), view::Show(LabelIN[i]), std::move(fast), view::Show(TotIN[i]),
+                                view::Show(BargLumet[i]), view::Show(OverFlowIN[i])}));
   }
   std::vector<view::Node> measures;
   measures.reserve(kMeasures);
   for (int i = 0; i < kMeasures; ++i) {
-    measures.push_back(view::Row({view::Text("reg. " + std::to_string(40016 + i)), view::Show(cbIngresso[i]),
-                                  view::Show(cbTipoMisura[i]), view::Show(tbMisura[i])}));
+    const std::string reg = std::to_string(40016 + i);
+    measures.push_back(view::Column({
+        view::Field("Input  reg. " + reg, view::Show(cbIngresso[i])),
+        view::Field("Meas. Type " + reg, view::Show(cbTipoMisura[i])),
+        view::Field("Value reg. " + reg, view::Show(tbMisura[i])),
+    }));
   }
   return view::Column({
       HeadLine("Ten digital inputs with counters"),
       view::Scroller(view::Row({
-          view::Frame("Inputs", view::Table({"", "Input", "Counter"}, std::move(inputs))),
+          view::Frame("Inputs", view::Table({"", "Input", "", "Counter"}, std::move(inputs))),
           view::Column({
-              view::Frame("Measures", view::Table({"", "Input", "Meas. Type", "Value"}, std::move(measures))),
+              view::Frame("Measures", view::Row(std::move(measures))),
               view::Frame("Flags",
                           view::Row({
                               view::Column({view::Show(CheckLumet2), view::Show(CheckLumet3), view::Show(CheckLumet4)}),

@@ -174,6 +174,7 @@ core::Task<> Marlo::Activate() {
   co_await CheckFWVersion();
   co_await ReadEEPromFlags();
   State().pageEntered = kTrue;
+  State().pageReadDone = kTrue;
 }
 
 void Marlo::Deactivate() {
@@ -399,7 +400,7 @@ core::Task<> Marlo::Normalise(view::TextBox& text, const char* complaint) {
 core::Task<> Marlo::WEEPMarloClick() {
   if (!InSession() && ModCom1.PortOpen()) co_return;
   const view::Hourglass hourglass(GetScreen());
-  WEEP.Enabled = false;
+  const DeedPause deeds(*this);
   std::optional<PollPause> pause;
   if (InSession()) {
     pause.emplace(*this);
@@ -418,7 +419,6 @@ core::Task<> Marlo::WEEPMarloClick() {
     co_await SayWrongModule();
     co_await EndSession();
   }
-  WEEP.Enabled = true;
 }
 
 core::Task<> Marlo::WriteEEprom() {
@@ -478,7 +478,7 @@ view::Node Marlo::Arrangement() const {
   outputs.reserve(kCount + 1);
   masks.reserve(kCount);
   for (int i = 0; i < kCount; ++i) {
-    columns.push_back(std::to_string(i + 1));
+    columns.push_back(LabelOUT[i].Caption());
     outputs.push_back(view::Show(buttOUTMarlo[i]));
     masks.push_back(view::Show(checkMask[i]));
   }

@@ -46,22 +46,14 @@ DevicePage::PollPause::~PollPause() {
   if (--page_.pauses_ == 0 && !leavesOff_) page_.EnableTimers();
 }
 
-/// Holds the two buttons that reach the EEPROM or restart the module.
-class DevicePage::DeedPause {
- public:
-  explicit DeedPause(DevicePage& page) : page_(page) { Enable(false); }
-  DeedPause(const DeedPause&) = delete;
-  DeedPause& operator=(const DeedPause&) = delete;
-  ~DeedPause() { Enable(true); }
+DevicePage::DeedPause::DeedPause(DevicePage& page) : page_(page) {
+  Enable(false);
+}
 
- private:
-  void Enable(bool enabled) {
-    page_.WEEP.Enabled = enabled;
-    if (page_.Reset) page_.Reset->Enabled = enabled;
-  }
-
-  DevicePage& page_;
-};
+void DevicePage::DeedPause::Enable(bool enabled) {
+  page_.WEEP.Enabled = enabled;
+  if (page_.Reset) page_.Reset->Enabled = enabled;
+}
 
 DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
     : Window(context.screen, identity.window, identity.model),

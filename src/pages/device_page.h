@@ -281,6 +281,20 @@ class DevicePage : public view::Window {
     bool leavesOff_ = false;
   };
 
+  /// Holds the buttons that reach the EEPROM or restart the module.
+  class DeedPause {
+   public:
+    explicit DeedPause(DevicePage& page);
+    DeedPause(const DeedPause&) = delete;
+    DeedPause& operator=(const DeedPause&) = delete;
+    ~DeedPause() { Enable(true); }
+
+   private:
+    void Enable(bool enabled);
+
+    DevicePage& page_;
+  };
+
   /// Closes the port at its end, whichever way out is taken.
   class PortClose {
    public:
@@ -309,8 +323,6 @@ class DevicePage : public view::Window {
   };
 
  private:
-  class DeedPause;
-
   core::Task<> StartClick();
   core::Task<> StopClick();
   core::Task<> TakeDown();

@@ -368,7 +368,7 @@ QWidget* Walker::BuildScroller(const view::Node& node, QWidget* parent) {
   auto* area = new QScrollArea(parent);
   auto* ground = new QWidget;
   auto* layout = new QVBoxLayout(ground);
-  layout->setContentsMargins(0, 0, Em(*ground, 0.4), 0);
+  layout->setContentsMargins({});
   for (const view::Node& child : node.children) {
     if (QWidget* widget = Build(child, ground)) layout->addWidget(widget);
   }

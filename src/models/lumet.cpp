@@ -46,8 +46,6 @@ constexpr int kReleaseOfParity = 2;
 /// From this input on only the frequency can be measured.
 constexpr int kFirstFastInput = 8;
 
-constexpr unsigned kParityOdd = 0x0010;
-
 constexpr std::array<view::ListRow, Lumet::kInputs> kInputRows = {{{"inp. #1"},
                                                                    {"inp. #2"},
                                                                    {"inp. #3"},

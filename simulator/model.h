@@ -29,12 +29,18 @@ struct ModelData {
   state::Register identity{40001};
   state::Register communication;           ///< high byte the baud code, low byte the address
   state::Register flags;                   ///< holds the three bits below
+  std::optional<state::Register> baud{};   ///< high byte the baud code, where `communication` has the address in its
+                                           ///< high byte and the parity in its two lowest bits: 1 even, 2 odd
   std::optional<state::Register> reset{};  ///< restarts the module; nothing where only its supply does
   unsigned resetValue = 1;
   unsigned delayMask = 0x04;   ///< each reply comes 12 ms later
   unsigned parityMask = 0x08;  ///< parity on
   unsigned oddMask = 0x10;     ///< odd parity, even when clear
+  bool fixedLine = false;      ///< address and line stay what they are, whatever the registers hold
 };
+
+/// The same model with a fixed line: its address word cannot be written, its flags have none of the three bits.
+ModelData OnAFixedLine(ModelData data);
 
 using Random = std::mt19937;
 
@@ -53,6 +59,11 @@ struct Setting {
 
   friend bool operator==(const Setting&, const Setting&) = default;
 };
+
+/// The speed that a code stands for; 9600 for a code without one.
+int BaudOf(int code);
+/// The code of a speed; that of 9600 for a speed without one.
+int CodeOf(int baud);
 
 /// How one model of module behaves, and the registers of one such module. A new model is a file in `models/`: its
 /// data, the hooks that differ, and a `Registration`.
@@ -90,10 +101,6 @@ class Model {
   /// Address and line that the live registers tell. Values that no module could start with become address 1 and 9600.
   virtual Setting GetSetting() const;
   virtual void SetSetting(const Setting& setting);
-  // What those go by. A code that none has is 9600.
-  static int BaudOf(int code);
-  static int CodeOf(int baud);
-
   /// The module's EEPROM takes what is live.
   void StoreImages();
   /// The live registers take what the EEPROM holds, each within its bounds.
@@ -102,6 +109,10 @@ class Model {
   Registers registers;
 
  private:
+  // Those of a model whose baud code has a register of its own.
+  Setting SplitSetting() const;
+  void SetSplitSetting(const Setting& setting);
+
   const ModelData& data_;
 };
 

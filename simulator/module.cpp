@@ -58,7 +58,7 @@ void Module::Advance(core::TimePoint now) {
     restarting_ = false;
     model_->LoadImages();
     model_->Restarted();
-    inForce_ = model_->GetSetting();
+    if (!model_->Data().fixedLine) inForce_ = model_->GetSetting();
     now_ = restarted_;
   }
   if (!restarting_ && !still_ && now > now_) model_->Live(now - now_);

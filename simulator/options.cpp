@@ -142,12 +142,15 @@ MODULE is a model's name, then its options: NAME[:KEY=VALUE[,KEY=VALUE]...]
                the module hears and answers on this line only (default 9600n81)
   fw=3         firmware release (default 3)
   40008=20     what a register holds at the start, decimal or after 0x; a register with a stored copy sets that too.
-               Address, speed and parity come from addr and line alone. On jorun 40013 to 40016 take what comes in,
-               and a master reads there what span and zero make of it; a bit of 40012 from 12 on opens a wire
+               Address, speed and parity come from addr and line alone; a hollin and a kelmar keep them for good.
+               On jorun and kelmar 40013 to 40016 take what comes in, and a master reads there what span and zero
+               make of it; a bit of 40012 from 12 on opens a wire. On nerith and pellor bits 0 to 3 of 40002 are
+               failed channels, bits 4 to 7 broken sensors
 Models:)" +
          models + "\n\n" + OrderHelp() + R"(
 Writing 1 to a module's reset register restarts it: it keeps silent for 0.3 s, then goes by what its EEPROM holds. The
-order "restart" does the same; a marlo, which has no such register, takes its serial settings by it alone.
+order "restart" does the same; a marlo, a nerith, a pellor and an oswin, which have no such register, take their serial
+settings by it alone.
 Ctrl-C or a termination signal ends the simulator; wrong usage ends it with status 2.
 
 Examples:

@@ -21,6 +21,7 @@ struct RegisterRange {
 /// The holding registers of one module; all start at 0.
 class Registers {
  public:
+  /// A register that several ranges hold goes by the last of them.
   explicit Registers(const std::vector<RegisterRange>& ranges);
 
   bool Has(state::Register reg) const { return RangeOf(reg) != nullptr; }

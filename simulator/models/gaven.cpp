@@ -1,154 +1,16 @@
-// Gaven: four analog inputs, each with a filter and a scale.
+// Gaven: four analog inputs.
 
-#include <algorithm>
-#include <array>
-#include <cmath>
-#include <limits>
-#include <numbers>
-
-#include "simulator/model.h"
+#include "simulator/models/analog_inputs.h"
 
 namespace tarvo::simulator {
 
 namespace {
 
-using namespace state::literals;
+const ModelData kData = AnalogInputs::DataOf("gaven", 0x07);
 
-constexpr int kInputs = 4;
-
-constexpr state::Register kCommunication = "40002"_reg;
-constexpr state::Register kFlags = "40003"_reg;
-// The first of four each.
-constexpr state::Register kFilter = "40004"_reg;
-constexpr state::Register kFullScale = "40008"_reg;
-constexpr state::Register kStartScale = "40012"_reg;
-// Read, bits 8 to 15 are over- and underflow of input 1, of input 2 and so on; a 1 written restarts the module.
-constexpr state::Register kStatus = "40016"_reg;
-constexpr state::Register kScaled = "40017"_reg;
-constexpr state::Register kRaw = "40021"_reg;
-
-constexpr unsigned kSpeedUp = 0x02;
-constexpr int kStrongestFilter = 6;
-/// Counts of the nominal range, to either side.
-constexpr int kRange = 10000;
-
-/// Each of 40002 to 40015 has its stored copy 64 above.
-std::vector<ImagePair> Images() {
-  std::vector<ImagePair> images;
-  for (state::Register live = kCommunication; live < kStatus; live = live + 1) images.push_back({live, live + 64});
-  return images;
-}
-
-const ModelData kData{
-    .name = "gaven",
-    .code = 0x07,
-    .registers = {{.first = "40001"_reg, .last = "40001"_reg, .writable = false},
-                  {.first = kCommunication, .last = kFlags},
-                  {.first = kFilter, .last = kFilter + (kInputs - 1), .highest = kStrongestFilter},
-                  {.first = kFullScale, .last = kStatus},
-                  {.first = kScaled, .last = kRaw + (kInputs - 1), .writable = false},
-                  {.first = "40066"_reg, .last = "40079"_reg}},
-    .images = Images(),
-    .communication = kCommunication,
-    .flags = kFlags,
-    .reset = kStatus,
-};
-
-/// How often the inputs are converted, as they are and sped up.
-constexpr core::Duration kConversion = core::milliseconds(100);
-constexpr core::Duration kFastConversion = core::milliseconds(25);
-
-/// What lies at an input: a sine about 0 that goes a little beyond the range on both sides.
-struct Wave {
-  int swing;
-  core::Duration period;
-};
-constexpr std::array<Wave, kInputs> kWaves = {
-    Wave{10600, std::chrono::seconds(20)}, Wave{10400, std::chrono::seconds(30)}, Wave{10300, std::chrono::seconds(45)},
-    Wave{10200, std::chrono::seconds(70)}};
-
-class Gaven : public Model {
+class Gaven : public AnalogInputs {
  public:
-  Gaven() : Model(kData) {
-    for (int input = 0; input < kInputs; ++input) registers.Set(kFullScale + input, state::Word(kRange));
-  }
-
-  void Seed(Random& random) override {
-    for (double& phase : phases_) phase = std::uniform_real_distribution<double>(0, 1)(random);
-    for (int input = 0; input < kInputs; ++input) registers.Set(kRaw + input, Signal(input));
-    SettleFilters();
-    ShowInputs();
-  }
-
-  void Live(core::Duration elapsed) override {
-    const core::Duration conversion = registers.Get(kFlags).Has(kSpeedUp) ? kFastConversion : kConversion;
-    sinceConversion_ += elapsed;
-    for (; sinceConversion_ >= conversion; sinceConversion_ -= conversion) {
-      time_ += conversion;
-      Convert();
-    }
-  }
-
-  void Restarted() override {
-    sinceConversion_ = core::Duration::zero();
-    SettleFilters();
-    ShowInputs();
-  }
-
- private:
-  state::Word Signal(int input) const {
-    const Wave& wave = kWaves.at(static_cast<std::size_t>(input));
-    const double turns = std::chrono::duration<double>(time_) / std::chrono::duration<double>(wave.period);
-    const double signal =
-        wave.swing * std::sin(2 * std::numbers::pi * (turns + phases_.at(static_cast<std::size_t>(input))));
-    return state::Word(static_cast<unsigned>(std::lround(signal)));
-  }
-
-  /// A filter takes in only its share of what is new: all at level 0, half of it at level 1, a quarter at level 2.
-  void Convert() {
-    for (int input = 0; input < kInputs; ++input) {
-      const state::Word raw = Signal(input);
-      registers.Set(kRaw + input, raw);
-      const int level = std::min(registers.Get(kFilter + input).Unsigned(), kStrongestFilter);
-      double& filtered = filtered_.at(static_cast<std::size_t>(input));
-      filtered += (raw.Signed() - filtered) / (1 << level);
-    }
-    ShowInputs();
-  }
-
-  void SettleFilters() {
-    for (int input = 0; input < kInputs; ++input) {
-      filtered_.at(static_cast<std::size_t>(input)) = registers.Get(kRaw + input).Signed();
-    }
-  }
-
-  /// Scaled values and status follow from what was converted.
-  void ShowInputs() {
-    unsigned status = 0;
-    for (int input = 0; input < kInputs; ++input) {
-      registers.Set(kScaled + input, Scaled(input));
-      const int raw = registers.Get(kRaw + input).Signed();
-      const unsigned overflow = 0x100U << 2 * input;
-      if (raw > kRange) status |= overflow;
-      if (raw < -kRange) status |= overflow << 1;
-    }
-    registers.Set(kStatus, state::Word(status));
-  }
-
-  /// The start scale stands for 0 counts, the full scale for the end of the range.
-  state::Word Scaled(int input) const {
-    const int start = registers.Get(kStartScale + input).Signed();
-    const int full = registers.Get(kFullScale + input).Signed();
-    const double scaled = start + filtered_.at(static_cast<std::size_t>(input)) * (full - start) / kRange;
-    using Limits = std::numeric_limits<std::int16_t>;
-    return state::Word(static_cast<unsigned>(std::clamp<long>(std::lround(scaled), Limits::lowest(), Limits::max())));
-  }
-
-  std::array<double, kInputs> phases_{};
-  std::array<double, kInputs> filtered_{};
-  /// How long the waves have gone on.
-  core::Duration time_{};
-  core::Duration sinceConversion_{};
+  Gaven() : AnalogInputs(kData) {}
 };
 
 const Registration kGaven(kData.name, &Make<Gaven>);

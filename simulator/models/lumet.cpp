@@ -42,6 +42,9 @@ constexpr int kBothDown = 0x04;
 constexpr int k9UpBy10Down = 0x08;  // input 9 takes the total of 9 up, input 10 takes it down
 constexpr int k9WhileInput10Is0 = 0x10;
 
+/// What goes by without a master beyond it, the inputs do not live through.
+constexpr core::Duration kLongestSilence = core::milliseconds(300000);
+
 const ModelData kData{
     .name = "lumet",
     .code = 0x0A,
@@ -108,6 +111,8 @@ class Lumet : public Model {
   }
 
   void Live(core::Duration elapsed) override {
+    // Nobody has seen what went on before: counting hours of it would hold up the reply.
+    elapsed = std::min(elapsed, kLongestSilence);
     // From change to change, since what input 9 counts may depend on input 10.
     while (elapsed > core::Duration::zero()) {
       const core::Duration step = std::min(elapsed, *std::min_element(untilChange_.begin(), untilChange_.end()));

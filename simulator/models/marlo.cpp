@@ -41,11 +41,6 @@ constexpr unsigned kOvertemperature = 0x04;
 constexpr unsigned kGeneralError = 0x08;
 constexpr unsigned kUndervoltage = 0x40;
 
-constexpr unsigned kParityBits = 0x0003;
-constexpr int kEven = 1;
-constexpr int kOdd = 2;
-constexpr unsigned kBaudBits = 0x0700;
-
 constexpr unsigned kWritesOnly = 0x01;  ///< of the options: a read does not start the safe time again
 
 /// What safe time and delay count. No register tells their units.
@@ -68,6 +63,7 @@ const ModelData kData{
                   {.first = kFirmware, .last = kFirmware, .writable = false}},
     .communication = kAddress,
     .flags = kOptions,
+    .baud = kBaud,
     .delayMask = 0,
 };
 
@@ -133,26 +129,6 @@ class Marlo : public Model {
     shortFor_ = {};
   }
 
-  Setting GetSetting() const override {
-    Setting setting;
-    const state::Word address = registers.Get(kAddress);
-    if (address.High() != 0) setting.address = address.High();
-    setting.line.baud = BaudOf(registers.Get(kBaud).And(kBaudBits).High());
-    const int parity = address.And(kParityBits).Low();
-    if (parity == kEven) setting.line.parity = bus::Parity::kEven;
-    if (parity == kOdd) setting.line.parity = bus::Parity::kOdd;
-    return setting;
-  }
-
-  void SetSetting(const Setting& setting) override {
-    int word = setting.address << 8;
-    if (setting.line.parity == bus::Parity::kEven) word |= kEven;
-    if (setting.line.parity == bus::Parity::kOdd) word |= kOdd;
-    registers.Set(kAddress, state::Word(static_cast<unsigned>(word)));
-    const auto code = static_cast<unsigned>(CodeOf(setting.line.baud)) << 8;
-    registers.Set(kBaud, registers.Get(kBaud).And(~kBaudBits).Or(code));
-  }
-
  private:
   /// How much silence is left before the outputs take their defaults; nothing when there is no safe time.
   std::optional<core::Duration> UntilTimeOut() const {
@@ -199,7 +175,7 @@ class Marlo : public Model {
     registers.Set(kSupply, state::Word(static_cast<unsigned>(std::max(supply, 0))));
   }
   int Ripple() const {
-    const auto step = static_cast<int>(time_ / kRippleStep % (2 * kRipple));
+    const auto step = static_cast<int>(time_ / kRippleStep % (2L * kRipple));
     return std::min(step, 2 * kRipple - step);
   }
 

@@ -8,6 +8,8 @@ target_compile_options(tarvo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # g++ 12 takes a text put before a std::string for an overlap when it optimises. Goes with g++ 13.
   target_compile_options(tarvo_options INTERFACE -Wno-restrict)
+  # And a short text that is assigned to one for boundless.
+  target_compile_options(tarvo_options INTERFACE $<$<CONFIG:Release>:-Wno-stringop-overflow;-Wno-array-bounds>)
 endif()
 # Without tail calls a chain of coroutines that resume each other would grow the stack, so also in debug builds.
 target_compile_options(tarvo_options INTERFACE -foptimize-sibling-calls)

@@ -2,42 +2,19 @@
 
 #include <array>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "models/analog_inputs.h"
 #include "pages/baud_list.h"
-#include "pages/device_page.h"
-#include "view/ar_metor.h"
 
 namespace tarvo::models {
 
 /// Four analog inputs, each with two scales and a filter.
-class Gaven : public pages::DevicePage {
+class Gaven : public AnalogInputs {
  public:
   explicit Gaven(pages::PageContext& context);
 
-  // Registers. Values are signed.
-
-  static constexpr state::Register kFlags{40003};
-  static constexpr state::Register kFilter1{40004};      ///< the first of four, 0 to 6
-  static constexpr state::Register kFullScale1{40008};   ///< the first of four
-  static constexpr state::Register kStartScale1{40012};  ///< the first of four, over both poll blocks
-  static constexpr state::Register kStatus{40016};       ///< high byte over- and underflows; writing 1 resets
-  static constexpr state::Register kScaled1{40017};      ///< the first of four
-  static constexpr state::Register kRaw1{40021};         ///< the first of four
   static constexpr state::Register kStoredAddress{40066};
-
-  static constexpr int kInputs = 4;
-  static constexpr int kHeadings = 7;
-  static constexpr int kHeadingLabels = kInputs * kHeadings;
-
-  // Controls: one row an input. `kInputRows` in the source says which member belongs where.
-
-  view::ControlArray<view::Label, kHeadingLabels> labelGaven;
-  view::ControlArray<view::Label, 16> ValueGaven;
-  view::ControlArray<view::Lamp, 8> OverflowGaven;
-  view::ControlArray<view::ARMetor, kInputs> BargGaven;
-  view::ControlArray<view::ComboBox, kInputs> FilterGaven;
 
   // Controls: options and settings.
 
@@ -62,20 +39,11 @@ class Gaven : public pages::DevicePage {
 
  protected:
   core::Task<> ApplyFirmware(int release) override;
-  core::Task<> ManageFirst() override { return ManageGaven1(); }
-  core::Task<> ManageSecond() override { return ManageGaven2(); }
-  core::Task<> ManageContinue() override { return ManageContinueGaven(); }
+  core::Task<> ShowSettings() override { return ShowAddressOf(kStoredAddress, AddressGaven, BaudGaven); }
   std::span<const pages::ImageWrite> ImageWrites() const override { return images_; }
-  core::Task<> ShowRegisters() override;
   void Started() override { Message.Caption = ""; }
 
  private:
-  core::Task<> ManageGaven1();
-  core::Task<> ManageGaven2();
-  core::Task<> ManageContinueGaven();
-  void ShowValue(int label, state::Word value);
-  void ShowInputs();
-  void ShowOverflows(std::span<const int> lampOfBit);
   std::vector<pages::ImageWrite> MakeImages();
   std::vector<pages::FileField> MakeFields();
 

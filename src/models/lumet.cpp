@@ -281,24 +281,38 @@ Word Lumet::SetMeasureType() const {
 }
 
 /// Paced by the clock, and with the polling on: the module has time for its EEPROM. Each value is the one of its
-/// moment.
+/// moment. A Stop leaves what is still due unwritten, also when the next session has begun.
 core::Task<> Lumet::WriteEEpromRegisters() {
+  // Looked at before the first write, so that a text which is no number tears nothing.
+  (void)pages::AddressWord(AddressLumet, BaudLumet);
+  (void)state::ToWord(FilterLumet.Caption());
+
+  const int session = Session();
   co_await Pause(1);
-  co_await ModCom1.WritePLC(kStoredFlags, ReadFlagsFromForm(), 1);
-  co_await ModCom1.Free();
+  if (session != Session()) co_return SayUnwritten(kStoredFlags);
+  co_await Store(kStoredFlags, ReadFlagsFromForm());
   co_await Pause(2);
-  co_await ModCom1.WritePLC(kStoredMeasureSetup, SetMeasureType(), 1);
-  co_await ModCom1.Free();
+  if (session != Session()) co_return SayUnwritten(kStoredMeasureSetup);
+  co_await Store(kStoredMeasureSetup, SetMeasureType());
   const Word address = pages::AddressWord(AddressLumet, BaudLumet);
   co_await Pause(2);
-  co_await ModCom1.WritePLC(kStoredAddress, address, 1);
-  co_await ModCom1.Free();
+  if (session != Session()) co_return SayUnwritten(kStoredAddress);
+  co_await Store(kStoredAddress, address);
   const Word filter = state::ToWord(FilterLumet.Caption());
   co_await Pause(2);
-  co_await ModCom1.WritePLC(kStoredFilter, filter, 1);
-  co_await ModCom1.Free();
+  if (session != Session()) co_return SayUnwritten(kStoredFilter);
+  co_await Store(kStoredFilter, filter);
   // Before the box that says so, other than on the other pages.
   GetScreen().SetMousePointer(view::Screen::Pointer::kDefault);
+}
+
+core::Task<> Lumet::Store(Register image, Word value) {
+  co_await ModCom1.WritePLC(image, value, 1);
+  co_await ModCom1.Free();
+}
+
+void Lumet::SayUnwritten(Register image) {
+  Context().status.passing.Text = "unable to write " + std::to_string(image.Number());
 }
 
 core::Task<> Lumet::Pause(float seconds) {

@@ -94,6 +94,8 @@ class Lumet : public pages::DevicePage {
   state::Word ReadFlagsFromForm() const;
   state::Word SetMeasureType() const;
   core::Task<> WriteEEpromRegisters();
+  core::Task<> Store(state::Register image, state::Word value);
+  void SayUnwritten(state::Register image);
 
   const std::array<pages::Flag, 4> flags_;
   int commstep_ = 1;  ///< of the poll, 1 or 2

@@ -36,6 +36,7 @@ constexpr pages::PageIdentity kIdentity = {
     .firmware = "",
     .connected = "Connected to Marlo , ",
     .names = {.start = "buttStartMarlo", .stop = "buttStopMarlo", .weep = "buttWEEPMarlo", .firmware = "labFW"},
+    .updated = {"EEProm updated! Now you have to restart the module ", view::Icon::kExclamation},
     .setupLinkParams = 6,
     .hasTimerControllo = false,
 };
@@ -216,7 +217,7 @@ core::Task<> Marlo::ShowRegisters() {
   if (outputs) PaintOutputs(*outputs);
   const std::optional<Word> address = co_await ReadOne(kAddress);
   if (address) {
-    ShowParity(address->And(kParityBits).Low());
+    ShowParity(static_cast<unsigned>(address->And(kParityBits).Low()));
     labAddressMarlo.Caption = std::to_string(address->High());
   }
   const std::optional<Word> baud = co_await ReadOne(kBaud);
@@ -350,7 +351,7 @@ core::Task<> Marlo::LampClick(const ClickRow& row, int lamp) {
   if (ModCom1.PortOpen()) co_return;
   const view::Hourglass hourglass(GetScreen());
   SetupModcomOCX();
-  const core::Status opened = ModCom1.SetPortOpen(true);
+  const core::Status opened = OpenPort();
   if (!opened.Ok() && row.setsToo) {
     const std::string text = "ERROR " + opened.Description();
     co_await GetScreen().MsgBox(text, view::Icon::kExclamation);
@@ -408,13 +409,15 @@ core::Task<> Marlo::WEEPMarloClick() {
   }
   if (!ModCom1.PortOpen()) {
     SetupModcomOCX();
-    OpenPort();
+    (void)OpenPort();
   }
+  const int session = Session();
   const Word identity(static_cast<unsigned>(co_await bus::ReadRegister(ModCom1, "40001"_reg)));
-  if (identity.High() == Identity().code) {
+  // A Stop meanwhile has ended all.
+  if (session != Session()) co_return;
+  if (IsOurs(identity)) {
     const PortClose closes(*this);
-    co_await WriteEEprom();
-    co_await GetScreen().MsgBox("EEProm updated! Now you have to restart the module ", view::Icon::kExclamation);
+    co_await Commit();
   } else {
     co_await SayWrongModule();
     co_await EndSession();
@@ -425,25 +428,31 @@ core::Task<> Marlo::WriteEEprom() {
   // Taken before the first write, so that a text which is no number tears nothing.
   const std::int32_t safeTime = state::ToInteger(labSafetimeMarlo.Caption());
   const std::int32_t address = state::ToInteger(labAddressMarlo.Caption());
+  const std::optional<std::int32_t> threshold = ThresholdAndDelay();
   co_await WriteStored(kBaud, cbBaudMarlo.SelectedCode() * 256);
   co_await WriteStored(kSafeTime, safeTime);
-  co_await WriteFlags();
+  co_await WriteFlags(threshold);
   unsigned parity = 0;
   if (checkParity.Value() != 0) parity = OptionEven.Value() ? kParityEven : kParityOdd;
   bus::wait(GetScheduler(), kSettle);
   co_await WriteStored(kAddress, static_cast<std::int32_t>(parity) | (address * 256));
 }
 
-core::Task<> Marlo::WriteFlags() {
+/// The word of threshold and delay; nothing when one of the texts is no number.
+std::optional<std::int32_t> Marlo::ThresholdAndDelay() const {
+  if (!state::IsNumeric(txtValTreshold.Text()) || !state::IsNumeric(txtDelay.Text())) return std::nullopt;
+  return WholePart(txtValTreshold.Text(), 10) | WholePart(txtDelay.Text(), 256);
+}
+
+core::Task<> Marlo::WriteFlags(std::optional<std::int32_t> threshold) {
   unsigned options = CheckResetTimeout.Value() != 0 ? kResetTimeout : 0;
   if (CheckFailLed.Value() != 0) options |= kFailLed;
   co_await WriteStored(kOptions, static_cast<std::int32_t>(options) | (ComboFailLed.ListIndex() * 256));
-  if (!state::IsNumeric(txtValTreshold.Text()) || !state::IsNumeric(txtDelay.Text())) {
+  if (!threshold) {
     co_await GetScreen().MsgBox("Val Treshold or Delay fields are  not numeric !", view::Icon::kExclamation);
     co_return;
   }
-  const std::int32_t threshold = WholePart(txtValTreshold.Text(), 10) | WholePart(txtDelay.Text(), 256);
-  co_await WriteStored(kThreshold, threshold);
+  co_await WriteStored(kThreshold, *threshold);
 }
 
 core::Task<> Marlo::WriteStored(Register target, std::int32_t value) {

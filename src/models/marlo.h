@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "pages/baud_list.h"
@@ -110,7 +112,8 @@ class Marlo : public pages::DevicePage {
   core::Task<> Normalise(view::TextBox& text, const char* complaint);
   core::Task<> MaskClick(int output);
   core::Task<> WEEPMarloClick();
-  core::Task<> WriteFlags();
+  std::optional<std::int32_t> ThresholdAndDelay() const;
+  core::Task<> WriteFlags(std::optional<std::int32_t> threshold);
   core::Task<> ReadFlags();
   core::Task<> WriteStored(state::Register target, std::int32_t value);
 

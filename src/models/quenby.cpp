@@ -108,8 +108,7 @@ Quenby::Quenby(pages::PageContext& context, pages::DlgSetNewValue& newValue)
     txtVal[i].OnKey = [this, i](view::Key key) { return DefaultKey(i, key); };
     txtVal[i].OnLeave = [this, i] { return TestDefault(i); };
   }
-  // A plain "0" draws a false warning from g++ 12 here when it optimises.
-  for (view::TextBox& value : txtVal) value.Text = std::string("0");
+  for (view::TextBox& value : txtVal) value.Text = "0";
   BindEdit(labAddress, 1, 255);
   BindEdit(labTimeout, 0, 65535);
   // They only show what the module says.
@@ -216,6 +215,8 @@ core::Task<> Quenby::NewValueClick(int output) {
   const std::optional<std::string> asked = co_await newValue_.AskFor(std::move(caption));
   if (!asked || asked->empty()) co_return;
   const std::string value = co_await Tested(*asked);
+  // Without a session an open port is that of another gesture, or of a reading under way.
+  if (!InSession() && ModCom1.PortOpen()) co_return;
   txtValRam[output].Caption = value;
   co_await WriteOutput(output, state::ToWord(value));
 }
@@ -223,12 +224,12 @@ core::Task<> Quenby::NewValueClick(int output) {
 /// At once, and not to the EEPROM. Without a session the port is open just for this.
 core::Task<> Quenby::WriteOutput(int output, Word value) {
   const view::Hourglass hourglass(GetScreen());
-  // Without a session an open port is that of another gesture, or of a reading under way.
-  if (!InSession() && ModCom1.PortOpen()) co_return;
   const PortVisit visit(*this);
+  const state::Register target = kOutput1 + output;
   std::optional<PollPause> pause;
   if (InSession()) pause.emplace(*this);
-  co_await bus::WriteRegister(ModCom1, kOutput1 + output, value.Unsigned(), Context().status.passing);
+  const bool good = co_await bus::WriteRegister(ModCom1, target, value.Unsigned(), Context().status.passing);
+  if (good && InSession()) KeepPolled(target, value);
 }
 
 core::Task<> Quenby::DefaultKey(int output, view::Key key) {

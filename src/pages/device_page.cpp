@@ -46,6 +46,20 @@ DevicePage::PollPause::~PollPause() {
   if (--page_.pauses_ == 0 && !leavesOff_) page_.EnableTimers();
 }
 
+DevicePage::PortVisit::PortVisit(DevicePage& page) : page_(page) {
+  if (page_.visits_ == 0) {
+    if (page_.ModCom1.PortOpen()) return;
+    page_.SetupModcomOCX();
+    (void)page_.OpenPort();
+  }
+  ++page_.visits_;
+  counted_ = true;
+}
+
+DevicePage::PortVisit::~PortVisit() {
+  if (counted_ && --page_.visits_ == 0) page_.ClosePort();
+}
+
 DevicePage::DeedPause::DeedPause(DevicePage& page) : page_(page) {
   Enable(false);
 }
@@ -63,7 +77,7 @@ DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
       Message(*this, Named("Message", identity.model, identity.names.message)),
       Firmware(*this, Named("Firmw", identity.model, identity.names.firmware), "Firmware rel:"),
       Ingranaggi(*this, identity.gears, "", -1, view::ImageBox::Album::kGears),
-      TimerLetturaSeriale(*this, "TimerLetturaSeriale", 50),
+      TimerLetturaSeriale(*this, "TimerLetturaSeriale", identity.pollInterval),
       ModCom1(*this, "ModCom1", context.ports),
       context_(context),
       identity_(identity),
@@ -71,7 +85,7 @@ DevicePage::DevicePage(PageContext& context, const PageIdentity& identity)
   Start.OnClick = [this] { return StartClick(); };
   Stop.OnClick = [this] { return StopClick(); };
   WEEP.OnClick = [this] { return WEEPClick(); };
-  if (identity.reset) {
+  if (identity.reset || !identity.names.reset.empty()) {
     Reset.emplace(*this, Named("Reset", identity.model, identity.names.reset), "Module &Reset");
     Reset->OnClick = [this] { return ResetClick(); };
   }
@@ -103,13 +117,13 @@ core::Task<> DevicePage::StartClick() {
   ModCom1.LinkParamB = 3;
   ModCom1.ModuleAddr = State().ModuleAddress;
   // A port that does not open shows as an identity that is not read.
-  OpenPort();
+  (void)OpenPort();
 
   Word identity;
   co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
   co_await ModCom1.Free();
   if (over()) co_return;
-  if (identity.High() != identity_.code) {
+  if (!IsOurs(identity)) {
     co_await SayWrongModule();
     co_await TakeDown();
     co_return;
@@ -127,7 +141,8 @@ core::Task<> DevicePage::StartClick() {
   {
     // Until all is shown once, a handler of a control that ends meanwhile does not start the timers.
     const PollPause pause(*this);
-    co_await context_.table.LeggiModulo();
+    co_await ReadBeforePolling();
+    if (!over()) co_await context_.table.LeggiModulo();
     if (!over()) co_await ManageFirst();
     if (!over() && identity_.pollAfter) {
       SetPollBlock(*identity_.pollAfter);
@@ -159,6 +174,10 @@ core::Task<> DevicePage::CheckFoundFirmware(int release) {
   co_return;
 }
 
+core::Task<> DevicePage::ReadBeforePolling() {
+  co_return;
+}
+
 core::Task<> DevicePage::ManageSecond() {
   co_return;
 }
@@ -187,7 +206,7 @@ core::Task<> DevicePage::TakeDown() {
 }
 
 core::Task<> DevicePage::StopClick() {
-  if (InSession()) co_await EndSession();
+  if (InSession() && MayStop()) co_await EndSession();
 }
 
 core::Task<> DevicePage::EndSession() {
@@ -324,11 +343,11 @@ core::Task<> DevicePage::ResetOutOfSession() {
 core::Task<bool> DevicePage::OpenOnModule() {
   SetupModcomOCX();
   // A port that does not open shows as an identity that is not read.
-  OpenPort();
+  (void)OpenPort();
   Word identity;
   co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
   co_await ModCom1.Free();
-  if (identity.High() == identity_.code) co_return true;
+  if (IsOurs(identity)) co_return true;
   co_await SayWrongModule();
   State().StartComm = state::kFalse;
   co_await ModCom1.Free();
@@ -337,6 +356,10 @@ core::Task<bool> DevicePage::OpenOnModule() {
 }
 
 // The bus for a model's handlers.
+
+bool DevicePage::IsOurs(Word identity) const {
+  return identity.High() == identity_.code || identity.High() == identity_.otherCode;
+}
 
 void DevicePage::SetPollBlock(const PollBlock& block) {
   block_ = block;
@@ -384,12 +407,14 @@ core::Task<> DevicePage::WriteLive(Register target, Word value) {
 
 core::Task<> DevicePage::WriteAndKeep(Register target, Word value) {
   const bus::Outcome outcome = co_await ModCom1.WritePLC(target, value);
+  if (outcome.Good()) KeepPolled(target, value);
+  co_await ModCom1.Free();
+}
+
+void DevicePage::KeepPolled(Register target, Word value) {
   const int element = target - State().PollRegister;
   // A commit right after this stores the new value, not the one of the last poll.
-  if (outcome.Good() && element >= 0 && element < State().PollCount) {
-    State().PollBuffer.at(static_cast<std::size_t>(element)) = value;
-  }
-  co_await ModCom1.Free();
+  if (element >= 0 && element < State().PollCount) State().PollBuffer.at(static_cast<std::size_t>(element)) = value;
 }
 
 void DevicePage::BindFlags(std::span<const Flag> flags) {
@@ -427,6 +452,7 @@ void DevicePage::EnableParity(bool enabled) {
 
 void DevicePage::ShowFlags(Word flags) {
   for (const Flag& flag : flags_) flag.box.Value = flags.Has(flag.setMask) ? 1 : 0;
+  FlagsShowing(flags);
   if (parity_.on == nullptr) return;
   // Said again whatever the box showed before: the flag overrules what the firmware's release has disabled.
   EnableParity(flags.Has(kParityOn));
@@ -461,7 +487,7 @@ void DevicePage::SetupModcomOCX() {
   ModCom1.CommPort = State().PCPort;
 }
 
-bool DevicePage::OpenPort() {
+core::Status DevicePage::OpenPort() {
   return pages::OpenPort(ModCom1, context_.status);
 }
 
@@ -480,7 +506,7 @@ core::Task<bool> DevicePage::ReadSettings() {
   const view::Hourglass hourglass(context_.screen);
   const PortVisit visit(*this);
   const std::optional<Word> identity = co_await ReadOne("40001"_reg);
-  const bool ours = identity && identity->High() == identity_.code;
+  const bool ours = identity && IsOurs(*identity);
   if (ours) co_await ShowRegisters();
   co_return ours;
 }

@@ -42,10 +42,11 @@ struct Updated {
 
 /// What a page is to the session, one row of the page table.
 struct PageIdentity {
-  int number;               ///< `NrFinestra`
-  std::string_view model;   ///< as in the messages
-  std::string_view window;  ///< name of the page
-  int code;                 ///< high byte of register 40001
+  int number;                                   ///< `NrFinestra`
+  std::string_view model;                       ///< as in the messages
+  std::string_view window;                      ///< name of the page
+  int code;                                     ///< high byte of register 40001
+  std::optional<int> otherCode = std::nullopt;  ///< of a second model that the page serves
   PollBlock poll;
   /// Polled in the session after `poll` was read once; nothing where one block holds all.
   std::optional<PollBlock> pollAfter = std::nullopt;
@@ -62,6 +63,7 @@ struct PageIdentity {
   Updated updated = {};
   bool commitHoldsPoll = true;  ///< a session does not poll while its commit writes
   bool tellsWrites = false;     ///< a write of the commit that fails shows in panel 1
+  int pollInterval = 50;        ///< milliseconds
   int setupLinkParams = 3;      ///< both link parameters outside of Start
   bool hasTimerControllo = true;
   bool hasTimerIngranaggi = true;
@@ -129,7 +131,7 @@ class DevicePage : public view::Window {
   bus::ModCom ModCom1;
 
   /// One poll read, its outcome shown in the message label.
-  core::Task<> Poll();
+  virtual core::Task<> Poll();
 
   /// Applies what the module's firmware release (0 to 255) has.
   virtual void CheckFWVersion(int /*release*/) {}
@@ -177,6 +179,8 @@ class DevicePage : public view::Window {
   virtual core::Task<> SetupFormFromFile();
   /// The session has begun, nothing was polled yet.
   virtual void Starting() {}
+  /// What Start reads before the first poll, with the session begun.
+  virtual core::Task<> ReadBeforePolling();
   /// The session stands; runs at Start's end.
   virtual void Started() {}
   /// The user stops the session.
@@ -185,15 +189,22 @@ class DevicePage : public view::Window {
   virtual void Stopped() {}
   /// Where the answer to the poll that is asked now goes.
   virtual std::span<state::Word> PollTarget() { return context_.state.PollBuffer; }
+  /// The user may stop the session that runs.
+  virtual bool MayStop() const { return true; }
+  /// The flags register is being shown: for what is neither a box nor parity.
+  virtual void FlagsShowing(state::Word /*flags*/) {}
   /// The parity options stay disabled whatever the flags say.
   virtual bool ParityLocked() const { return false; }
 
   // What a model's handlers use.
 
   state::SharedState& State() { return context_.state; }
+  /// The identity word is that of a module that this page serves.
+  bool IsOurs(state::Word identity) const;
   /// True at the first call after the page was left: its `Activate` is no return from a dialog.
   bool Enters() { return !std::exchange(entered_, true); }
   bool InSession() const { return context_.state.StartComm == state::kTrue; }
+  int RunKind() const { return context_.state.RunKind; }
   PageContext& Context() { return context_; }
   /// The latest word of `source`, a register of the block that is polled now.
   state::Word Polled(state::Register source) const;
@@ -203,12 +214,16 @@ class DevicePage : public view::Window {
   /// Changes a register: in a session on the module, read anew and written back with polling held; else in the page's
   /// copy, if it keeps copies.
   core::Task<> ChangeRegister(state::Register target, Change change);
+  /// The same for the bit of a flag.
+  core::Task<> ChangeFlag(const Flag& flag, bool set);
   /// Does `work` with the session's polling held.
   core::Task<> WithPollHeld(core::Task<> work);
   /// In a session, writes a register with polling held; else nothing.
   core::Task<> WriteLive(state::Register target, state::Word value);
   /// Writes a register and waits for a free bus; a good write of a polled register is at once what was polled last.
   core::Task<> WriteAndKeep(state::Register target, state::Word value);
+  /// Makes `value`, just written, what was polled last of `target`, if that is polled.
+  void KeepPolled(state::Register target, state::Word value);
   /// Makes the boxes of `flags` show the bits of the flags register. `flags` live as long as the page.
   void TieFlags(std::span<const Flag> flags) { flags_ = flags; }
   /// The same, and makes a user's press on a box change its bit.
@@ -251,14 +266,19 @@ class DevicePage : public view::Window {
   void SetupModcomOCX();
   /// Sets `PollRegister` and `PollCount`.
   void SetPollBlock(const PollBlock& block);
-  /// Opens the port of `ModCom1`. False when it may not be opened: then panel 1 of the status bar says why.
-  bool OpenPort();
+  /// Opens the port of `ModCom1`. When it may not be opened, panel 1 of the status bar says why, and what is asked over
+  /// it fails.
+  core::Status OpenPort();
   /// Reads one register; nothing when the read fails, so that what is shown stays.
   core::Task<std::optional<state::Word>> ReadOne(state::Register source);
 
   /// Checks the identity, on a port that it opens if it is closed and closes again then, and runs `ShowRegisters`.
   /// False when the module is another, or none answers.
   core::Task<bool> ReadSettings();
+  /// `WriteEEprom`, and the box that says so, unless the session was ended meanwhile.
+  core::Task<> Commit();
+  /// By it a handler sees after a wait that its session, or the page's time outside of one, is over.
+  int Session() const { return session_; }
   /// Says that the module is another model's, or that none answers.
   core::Task<> SayWrongModule();
   /// Ends the session, as Stop does.
@@ -307,19 +327,18 @@ class DevicePage : public view::Window {
     DevicePage& page_;
   };
 
-  /// A visit to the port: opens it, set up anew, if it is closed, and closes it again then. A port that does not open
-  /// shows as reads that fail.
+  /// A visit to the port: opens it, set up anew, if it is closed. The last of several visitors closes it again then. A
+  /// port that does not open shows as reads that fail.
   class PortVisit {
    public:
-    explicit PortVisit(DevicePage& page) {
-      if (page.ModCom1.PortOpen()) return;
-      page.SetupModcomOCX();
-      page.OpenPort();
-      closes_.emplace(page);
-    }
+    explicit PortVisit(DevicePage& page);
+    PortVisit(const PortVisit&) = delete;
+    PortVisit& operator=(const PortVisit&) = delete;
+    ~PortVisit();
 
    private:
-    std::optional<PortClose> closes_;
+    DevicePage& page_;
+    bool counted_ = false;
   };
 
  private:
@@ -327,7 +346,6 @@ class DevicePage : public view::Window {
   core::Task<> StopClick();
   core::Task<> TakeDown();
   core::Task<> WEEPClick();
-  core::Task<> Commit();
   core::Task<> ResetClick();
   core::Task<> ResetInSession();
   core::Task<> ResetOutOfSession();
@@ -335,7 +353,6 @@ class DevicePage : public view::Window {
   void UndoStart();
   core::Task<> Decode();
   core::Task<> TurnGears();
-  core::Task<> ChangeFlag(const Flag& flag, bool set);
   void StopGears();
   core::Task<> EditClick(view::Label& value, int minimum, int maximum);
   void EnableTimers();
@@ -358,6 +375,7 @@ class DevicePage : public view::Window {
   Parity parity_;
   bool entered_ = false;
   int session_ = 0;  ///< counts sessions begun and ended: who waits sees by it that his session is over
+  int visits_ = 0;   ///< to a port that the first visitor has opened
   int pauses_ = 0;   ///< handlers of this session that hold the timers
 };
 

@@ -16,15 +16,15 @@ std::string ConnectionLine(std::string_view begin, const bus::ModCom& modcom) {
          "  Module Address:" + std::to_string(modcom.ModuleAddr);
 }
 
-bool OpenPort(bus::ModCom& modcom, StatusPanels& status) {
-  const core::Status opened = modcom.SetPortOpen(true);
+core::Status OpenPort(bus::ModCom& modcom, StatusPanels& status) {
+  core::Status opened = modcom.SetPortOpen(true);
   if (!opened.Ok()) {
     status.refusal = TextOf(opened.GetFault(), modcom.CommPort());
     status.passing.Text = status.refusal;
   } else if (status.passing.Text() == status.refusal) {
     status.passing.Text = "";
   }
-  return opened.Ok();
+  return opened;
 }
 
 }  // namespace tarvo::pages

@@ -19,7 +19,7 @@ struct StatusPanels {
 std::string ConnectionLine(std::string_view begin, const bus::ModCom& modcom);
 
 /// Opens the port that `modcom` is set up for. When it may not be opened, panel 1 says why and what to do; else a
-/// former refusal leaves panel 1. True when the port is open.
-bool OpenPort(bus::ModCom& modcom, StatusPanels& status);
+/// former refusal leaves panel 1. The fault is told thereby: most callers leave it at that.
+core::Status OpenPort(bus::ModCom& modcom, StatusPanels& status);
 
 }  // namespace tarvo::pages

@@ -16,7 +16,11 @@ const std::vector<FoundModel>& Models() {
       {0x04, "Ferrun", 3, {kClick, kCheckFWVersion, kReadEEPromFlags}},
       {0x06, "Jorun", 5, {kClick, kReadEEPromFlags}},
       {0x07, "Gaven", 4, {kClick, kReadEEPromFlags, kCheckFWVersion}},
+      {0x08, "Nerith", 9, {kSetFound, kClick, kReadOnce}},
+      {0x09, "Pellor", 9, {kSetFound, kClick, kReadOnce}},
       {0x0A, "Lumet", 6, {kClick, kCheckFWVersion, kReadEEPromFlags}},
+      {0x0B, "Hollin", 8, {kClick, kReadEEPromFlags}},
+      {0x0C, "Kelmar", 7, {kClick, kReadEEPromFlags}},
       {0x0D, "Marlo", 10, {kShow, kCheckFWVersion, kReadEEPromFlags, kEntered, kClick}},
       {0x0F, "Quenby", 11, {kClick, kReadEEPromFlags}},
   };

@@ -14,7 +14,9 @@ enum class FoundStep {
   kShow,            ///< shown, as the click does it, and no more
   kCheckFWVersion,  ///< with the identity's release
   kReadEEPromFlags,
-  kEntered,  ///< `pageEntered` tells that the page's module was read
+  kSetFound,  ///< the page of RTD inputs takes three or four channels
+  kReadOnce,  ///< `ReadEEPromFlags`, unless `pageReadDone` tells that the page has done so
+  kEntered,   ///< `pageEntered` tells that the page's module was read
 };
 
 /// A module that the search knows.

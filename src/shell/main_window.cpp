@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 
+#include "models/nerith.h"
 #include "pages/device_page.h"
 #include "shell/load_form.h"
 #include "shell/version.h"
@@ -49,10 +50,12 @@ MainWindow::MainWindow(view::Screen& screen, state::SharedState& state, pages::C
           {labBelk, MenuBelk, nullptr, 0, kTrue},       {labCobin, MenuCobin, nullptr, 1, kTrue},
           {labDravo, MenuDravo, nullptr, 2, kTrue},     {labFerrun, MenuFerrun, nullptr, 3, kTrue},
           {labGaven, MenuGaven, nullptr, 4, kTrue},     {labJorun, menuJorun, nullptr, 5, kTrue},
-          {labLumet, mnuLumet, nullptr, 6, kTrue},      {labMarlo, mnuMarlo, nullptr, 10, kTrue},
-          {LabQuenby, mnuQuenby, nullptr, 11, kTrue},
+          {labLumet, mnuLumet, nullptr, 6, kTrue},      {labKelmar, menuKelmar, nullptr, 7, kFalse},
+          {labHollin, MenuHollin, nullptr, 8, kFalse},  {labNerith, menuNerith, nullptr, 9, kTrue},
+          {labMarlo, mnuMarlo, nullptr, 10, kTrue},     {LabQuenby, mnuQuenby, nullptr, 11, kTrue},
+          {labOswin, menuOswin, nullptr, 12, kTrue},
       },
-      navigation_{&cbSelectDevice, &buttCheckDevice, &mnuCheckconnection} {
+      navigation_{&cbSelectDevice, &buttCheckDevice, &mnuCheckconnection, &Command1} {
   for (const Entry& entry : entries_) {
     entry.label.OnClick = [this, &entry] { return LabelClick(entry); };
     entry.item.OnClick = entry.label.OnClick;
@@ -62,6 +65,7 @@ MainWindow::MainWindow(view::Screen& screen, state::SharedState& state, pages::C
   mnuCheckconnection.OnClick = buttCheckDevice.OnClick;
   CheckEnableCheckConnection.OnClick = [this] { return SetConnectionClick(); };
   menuEnableCheckConnection.OnClick = CheckEnableCheckConnection.OnClick;
+  Command1.OnClick = [this] { return Command1Click(); };
   OpenMNU.OnClick = [this] { return files_->Open(); };
   SaveMNU.OnClick = [this] { return files_->Save(); };
   ExitMNU.OnClick = [this] { return ExitClick(); };
@@ -71,8 +75,9 @@ MainWindow::MainWindow(view::Screen& screen, state::SharedState& state, pages::C
   screen.Guard = [this](const view::Control& control) { return WhyLocked(control); };
 }
 
-void MainWindow::SetPages(pages::PageContext& context) {
+void MainWindow::SetPages(pages::PageContext& context, models::Nerith& nerith) {
   context_ = &context;
+  nerith_ = &nerith;
   files_.emplace(GetScreen(), state_, context.table, textFiles_);
 }
 
@@ -182,9 +187,17 @@ core::Task<> MainWindow::SetConnectionClick() {
   co_return;
 }
 
+core::Task<> MainWindow::Command1Click() {
+  co_await GetScreen().ShowPage(nerith_);
+}
+
 void MainWindow::ShowAutoScan() {
   menuEnableCheckConnection.Value = state_.AutoScan;
   CheckEnableCheckConnection.Value = state_.AutoScan;
+}
+
+void MainWindow::LockRtdSettings() {
+  nerith_->NerithEnableControls(false);
 }
 
 core::Task<> MainWindow::LeaveForHome() {
@@ -215,6 +228,13 @@ core::Task<> MainWindow::LoadForm(state::Word identity) {
         break;
       case FoundStep::kShow:
         co_await GetScreen().ShowPage(&page);
+        break;
+      case FoundStep::kSetFound:
+        nerith_->SetFound(identity);
+        break;
+      case FoundStep::kReadOnce:
+        if (state_.pageReadDone == kFalse) co_await page.ReadEEPromFlags();
+        state_.pageReadDone = kTrue;
         break;
       case FoundStep::kEntered:
         state_.pageEntered = kTrue;
@@ -310,7 +330,7 @@ view::Node MainWindow::Arrangement() const {
   labels.reserve(entries_.size());
   for (const Entry& entry : entries_) labels.push_back(view::Show(entry.label));
   return view::Column({
-      view::Row({view::Show(cbSelectDevice), view::Show(buttCheckDevice), view::Space(),
+      view::Row({view::Show(cbSelectDevice), view::Show(buttCheckDevice), view::Space(), view::Show(Command1),
                  view::Show(CheckEnableCheckConnection)}),
       view::Row({view::PageList(std::move(labels)), view::PagePlace()}),
       view::Row({view::Show(StatusBar1[0]), view::Show(StatusBar1[1])}),

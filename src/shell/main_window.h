@@ -18,6 +18,10 @@
 #include "shell/settings_store.h"
 #include "view/window.h"
 
+namespace tarvo::models {
+class Nerith;
+}
+
 namespace tarvo::shell {
 
 /// `MDIForm1`, the one main window: menu, page list, status bar, and the page in it. Starts the search, and takes the
@@ -47,8 +51,13 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   view::MenuItem MenuGaven{*this, &mnuVesk, "MenuGaven", "Gaven"};
   view::MenuItem menuJorun{*this, &mnuVesk, "menuJorun", "Jorun"};
   view::MenuItem mnuLumet{*this, &mnuVesk, "mnuLumet", "Lumet"};
+  view::MenuItem menuNerith{*this, &mnuVesk, "menuNerith", "Nerith"};
   view::MenuItem mnuMarlo{*this, &mnuVesk, "mnuMarlo", "Marlo"};
   view::MenuItem mnuQuenby{*this, &mnuVesk, "mnuQuenby", "Quenby"};
+  view::MenuItem menuOswin{*this, &mnuVesk, "menuOswin", "Oswin"};
+  view::MenuItem mnuOthers{*this, nullptr, "mnuOthers", "Other Devices"};
+  view::MenuItem menuKelmar{*this, &mnuOthers, "menuKelmar", "Kelmar"};
+  view::MenuItem MenuHollin{*this, &mnuOthers, "MenuHollin", "Hollin"};
   view::MenuItem HelpMNU{*this, nullptr, "HelpMNU", "&Help"};
   view::MenuItem ContentsMNU{*this, &HelpMNU, "ContentsMNU", "&Contents"};
   view::MenuItem frmAbout{*this, &HelpMNU, "frmAbout", "&About"};
@@ -58,6 +67,7 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   view::ComboBox cbSelectDevice;
   view::Button buttCheckDevice{*this, "buttCheckDevice", "Sear&ch", "Check if a device is on-line"};
   view::CheckBox CheckEnableCheckConnection{*this, "CheckEnableCheckConnection", "Enable Check Connection"};
+  view::Button Command1{*this, "Command1", "Command1"};  ///< left over: shows the page `frmNerith`
 
   // Page list.
 
@@ -70,6 +80,10 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   view::Label labGaven{*this, "labGaven", "Gaven"};
   view::Label labJorun{*this, "labJorun", "Jorun"};
   view::Label labLumet{*this, "labLumet", "Lumet"};
+  view::Label labKelmar{*this, "labKelmar", "Kelmar"};
+  view::Label labHollin{*this, "labHollin", "Hollin"};
+  view::Label labNerith{*this, "labNerith", "Nerith"};
+  view::Label labOswin{*this, "labOswin", "Oswin"};
   view::Label labMarlo{*this, "labMarlo", "Marlo"};
   view::Label LabQuenby{*this, "LabQuenby", "Quenby"};
 
@@ -86,7 +100,7 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
 
   pages::StatusPanels Panels() { return {StatusBar1[0], StatusBar1[1], ""}; }
   /// Gives the device pages to the page list. Once, before `StartUp`.
-  void SetPages(pages::PageContext& context);
+  void SetPages(pages::PageContext& context, models::Nerith& nerith);
   config::SettingsFiles& Files() { return *files_; }
   /// What the program does before the first gesture: reads the stored switch, tests the ports, shows the start page,
   /// and searches when the switch says so.
@@ -124,10 +138,12 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   core::Task<> ContentsClick();
   core::Task<> AboutClick();
   core::Task<> SetConnectionClick();
+  core::Task<> Command1Click();
   core::Task<> SayWhere(std::string manual);
   core::Task<> SearchClick() { return search_.CheckIfDeviceIsOnLine(); }
   void LineEvent(bus::MSComm::Event event);
 
+  void LockRtdSettings() override;
   core::Task<> LeaveForHome() override;
   void ScanPorts() override;
   core::Task<> LoadForm(state::Word identity) override;
@@ -145,6 +161,7 @@ class MainWindow : public view::Window, public pages::Navigation, private bus::S
   SettingsStore settings_;
   bus::DeviceSearch search_;
   pages::PageContext* context_ = nullptr;
+  models::Nerith* nerith_ = nullptr;
   std::optional<config::SettingsFiles> files_;  ///< once there are pages
   const std::vector<Entry> entries_;
   const std::vector<view::Control*> navigation_;  ///< what `DisableNavigation` turns off, besides the entries

@@ -5,9 +5,13 @@
 #include "models/dravo.h"
 #include "models/ferrun.h"
 #include "models/gaven.h"
+#include "models/hollin.h"
 #include "models/jorun.h"
+#include "models/kelmar.h"
 #include "models/lumet.h"
 #include "models/marlo.h"
+#include "models/nerith.h"
+#include "models/oswin.h"
 #include "models/quenby.h"
 #include "pages/change_value.h"
 #include "pages/dlg_set_new_value.h"
@@ -29,8 +33,12 @@ struct Program::Parts {
                &gaven,
                &jorun,
                &lumet,
+               &kelmar,
+               &hollin,
+               &nerith,
                &marlo,
                &quenby,
+               &oswin,
                &dlgCalForm,
                &mainWindow.home,
                &mainWindow.pcSetup,
@@ -39,7 +47,7 @@ struct Program::Parts {
                &changeValue,
                &dlgSetNewValue,
                &mainWindow};
-    mainWindow.SetPages(context);
+    mainWindow.SetPages(context, nerith);
     screen.SetMain(&mainWindow);
   }
 
@@ -63,8 +71,12 @@ struct Program::Parts {
   calibration::DlgCalForm dlgCalForm{screen, state, context.ports};
   models::Jorun jorun{context, dlgCalForm};
   models::Lumet lumet{context};
+  models::Kelmar kelmar{context, dlgCalForm};
+  models::Hollin hollin{context};
+  models::Nerith nerith{context};
   models::Marlo marlo{context};
   models::Quenby quenby{context, dlgSetNewValue};
+  models::Oswin oswin{context};
   std::vector<view::Window*> windows;
   bool starting = true;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <numeric>
 #include <optional>
@@ -112,6 +113,14 @@ Word LowWord(std::string_view text) {
 
 int RoundTiesToEven(double value) {
   return static_cast<int>(std::nearbyint(value));
+}
+
+std::string WithDecimals(int value, int decimals) {
+  const auto places = static_cast<std::size_t>(decimals);
+  std::string digits = std::to_string(std::abs(value));
+  if (digits.size() <= places) digits.insert(0, places + 1 - digits.size(), '0');
+  if (places > 0) digits.insert(digits.size() - places, 1, '.');
+  return value < 0 ? "-" + digits : digits;
 }
 
 }  // namespace tarvo::state

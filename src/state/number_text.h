@@ -29,6 +29,9 @@ Word ToWord(std::string_view text);
 /// The low 16 bits of a numeric text's integer. Throws as `ToInteger` does.
 Word LowWord(std::string_view text);
 
+/// `value` with its last `decimals` digits behind a point: -5 and 1 give "-0.5".
+std::string WithDecimals(int value, int decimals);
+
 /// Nearest integer, ties to even.
 int RoundTiesToEven(double value);
 

@@ -21,6 +21,9 @@ class RegisterAccess : public testing::Test, protected ModComBench {
     ASSERT_TRUE(Open());
     Panel1.Text = "as before";
   }
+  core::Task<> Write(state::Register target, std::int32_t value) {
+    co_await WriteRegister(ModCom1, target, value, Panel1);
+  }
 
   test::BareWindow Main{Screen, "MDIForm1"};
   view::Panel Panel1{Main, "StatusBar1Panel1"};
@@ -39,9 +42,15 @@ TEST_F(RegisterAccess, WriteRegisterSendsTheLowSixteenBits) {
   }
 }
 
+TEST_F(RegisterAccess, WriteRegisterTellsWhetherTheModuleHasTakenIt) {
+  EXPECT_TRUE(test::RunTask(Scheduler, WriteRegister(ModCom1, "40009"_reg, 1, Panel1)));
+  Module.Always(ModuleFault::Exception(2));
+  EXPECT_FALSE(test::RunTask(Scheduler, WriteRegister(ModCom1, "40009"_reg, 1, Panel1)));
+}
+
 TEST_F(RegisterAccess, WriteRegisterWaitsForAFreeBus) {
   Tasks.Start(NotedRead("under way"));
-  Tasks.Start(WriteRegister(ModCom1, "40009"_reg, 1, Panel1));
+  Tasks.Start(Write("40009"_reg, 1));
   Scheduler.Run(milliseconds(200));
   EXPECT_THAT(Module.TakeLog(), ElementsAre("reads 40002", "writes 40009 = 0x0001"));
 }
@@ -74,7 +83,7 @@ TEST_F(RegisterAccess, WriteRegisterIsAskedOnceHoweverOftenItsRequestIsTried) {
 }
 
 TEST_F(RegisterAccess, WriteRegisterShowsARunTimeFaultInABox) {
-  Tasks.Start(WriteRegister(ModCom1, state::Register(39999), 1, Panel1));
+  Tasks.Start(Write(state::Register(39999), 1));
   Scheduler.RunReady();
   ASSERT_NE(Screen.Front(), nullptr);
   const view::MessageBox* box = Screen.Front()->AsMessageBox();

@@ -234,11 +234,12 @@ TEST_F(Shell, TabGoesFromTheBarToTheListToThePageToItsFoot) {
   Tap("LabPCSetup");
   Find("cbSelectDevice")->setFocus();
   std::vector<std::string> walked;
-  for (int i = 0; i < 4; ++i) {
+  for (int i = 0; i < 5; ++i) {
     Key(Qt::Key_Tab);
     walked.push_back(Focus());
   }
-  EXPECT_THAT(walked, ElementsAre("buttCheckDevice", "CheckEnableCheckConnection", "LabPCSetup", "SetCOM1"));
+  EXPECT_THAT(walked,
+              ElementsAre("buttCheckDevice", "Command1", "CheckEnableCheckConnection", "LabPCSetup", "SetCOM1"));
 }
 
 // Page list.

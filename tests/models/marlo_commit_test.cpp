@@ -292,7 +292,7 @@ TEST_F(MarloCommit, LeavesTheLimitsOutWhenOneIsNoNumberAndGoesOn) {
   }
 }
 
-TEST_F(MarloCommit, TellsAnOverflowAndWritesNoLimits) {
+TEST_F(MarloCommit, TellsAnOverflowAndWritesNothing) {
   for (const char* box : {"txtValTreshold", "txtDelay"}) {
     SCOPED_TRACE(box);
     Reenter();
@@ -302,7 +302,7 @@ TEST_F(MarloCommit, TellsAnOverflowAndWritesNoLimits) {
     EXPECT_THAT(BoxInFront(), IsBox(core::kOverflow, view::Icon::kExclamation));
     AnswerOk();
     while (BoxInFront() != nullptr) AnswerOk();
-    EXPECT_THAT(module.TakeLog(), testing::Not(Contains(StartsWith("writes 40016"))));
+    EXPECT_THAT(module.TakeLog(), testing::Not(Contains(StartsWith("writes"))));
     ASSERT_TRUE(Enabled("buttWEEPMarlo"));
     ExpectOffline();
   }

@@ -51,6 +51,7 @@ core::Task<> DeviceSearch::CheckIfDeviceIsOnLine() {
 core::Task<> DeviceSearch::Search() {
   state::SharedState& state = parts_.state;
   state.pageReadDone = kFalse;
+  host_.LockRtdSettings();
   state.StartComm = kTrue;
   host_.DisableNavigation();
   if (state.NrFinestra != -1) co_await host_.LeaveForHome();

@@ -15,6 +15,8 @@ class SearchHost {
  public:
   virtual void DisableNavigation() = 0;
   virtual void EnableNavigation() = 0;
+  /// Disables the settings of the page of RTD inputs, until a session enables them.
+  virtual void LockRtdSettings() = 0;
   /// Leaves the current page for the start page.
   virtual core::Task<> LeaveForHome() = 0;
   /// Offers the ports that can be opened now.

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "models/plc_page.h"
+#include "models/thermocouple_inputs.h"
+
+namespace tarvo::models {
+
+/// Four thermocouple inputs of the second generation: the module's line is fixed, and it serves a PLC. In a session its
+/// settings are locked, but for raw or scaled.
+class Kelmar : public PlcPage<ThermocoupleInputs> {
+ public:
+  Kelmar(pages::PageContext& context, calibration::DlgCalForm& calibration);
+
+  void Load() override;
+  core::Task<> Activate() override;
+  /// Mode 1 enables all that edits, any other disables it.
+  void EnableInputs(int mode);
+  /// -1 turns the connection display on; any other state turns it off and empties the page.
+  void KelmarCommLabels(int state);
+  /// No lamp, no bar, and 0 everywhere.
+  void CleanKelmar();
+
+  view::Node Arrangement() const override;
+
+ protected:
+  core::Task<> ApplyFirmware(int release) override;
+  void FlagsShowing(state::Word flags) override { ShowPlcFlags(flags); }
+  std::span<const pages::ImageWrite> ImageWrites() const override { return images_; }
+  void Starting() override;
+  void Stopped() override { EnableInputs(1); }
+
+ private:
+  core::Task<> RawClick();
+  core::Task<> ScaledClick();
+
+  const std::vector<pages::ImageWrite> images_;
+};
+
+}  // namespace tarvo::models

@@ -1,0 +1,310 @@
+#include "models/nerith.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "pages/status_panels.h"
+#include "state/number_text.h"
+
+namespace tarvo::models {
+
+using state::Register;
+using state::Word;
+using namespace state::literals;
+
+namespace {
+
+constexpr int kPellor = 0x09;
+
+constexpr pages::PageIdentity kIdentity = {
+    .number = 9,
+    .model = "Nerith",
+    .window = "frmNerith",
+    .code = 0x08,
+    .otherCode = kPellor,
+    .poll = {RtdPage::kStatus, 5},
+    .runKind = std::nullopt,
+    .reset = std::nullopt,
+    // The release has the blank of a number that is not negative.
+    .firmware = "Firmware rel:  ",
+    .names = {.start = "StartNerith",
+              .stop = "StopOswin",
+              .weep = "WEEPGaven",
+              .reset = "ResetGaven",
+              .message = "labMessage",
+              .firmware = "labFWVers"},
+    .pollInterval = 500,
+    .hasTimerControllo = false,
+};
+
+constexpr int kChannelsOfPellor = 3;
+/// First firmware with the newer sensor codes.
+constexpr int kNewerFirmware = 18;
+
+/// Members of `labelGaven` that head the values; the array's own order.
+constexpr std::array<int, RtdPage::kChannels> kLabelIndex = {4, 3, 7, 10};
+constexpr std::array<const char*, Nerith::kHeadings> kHeadingTexts = {
+    "Sensor Type", "Dump Factor", "Sensor Type", "Temperature", "Temperature", "Dump Factor",
+    "Sensor Type", "Temperature", "Dump Factor", "Sensor Type", "Temperature", "Dump Factor"};
+
+constexpr std::array<view::ListRow, 4> kSensors = {{{"0-PT100"}, {"1-PT500"}, {"2-PT1000"}, {"3-NI100"}}};
+constexpr std::array<view::ListRow, 2> kNewerSensors = {{{"PT100"}, {"NI100"}}};
+constexpr std::array<view::ListRow, 8> kDumpFactors = {{{"0"}, {"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}, {"7"}}};
+constexpr std::array<view::ListRow, 3> kRanges = {{{"-200.. 400 C"}, {"-200.. 850 C"}, {"-200.. 200 C"}}};
+constexpr std::array<view::ListRow, 4> kUnits = {{{"Kelvin"}, {"Celsius"}, {"Farenheit"}, {"Rankine"}}};
+constexpr std::array<view::ListRow, 3> kDecimals = {{{"0"}, {"1"}, {"2"}}};
+
+constexpr int kLastSensorCode = 3;
+constexpr int kNickel = 3;
+constexpr unsigned kDumpBits = 0x0007;
+constexpr unsigned kSensorBits = 0x0700;
+constexpr unsigned kNewerSensorBits = 0x0300;
+constexpr unsigned kResistance = 0x0400;
+constexpr unsigned kRangeBits = 0x3000;
+constexpr unsigned kDownScale = 0x4000;
+constexpr unsigned kUnitBits = 0x0007;
+constexpr unsigned kDecimalBits = 0x0018;
+constexpr unsigned kDin = 0x0020;
+
+constexpr unsigned kFirstChannelFail = 0x01;
+constexpr unsigned kFirstSensorFail = 0x10;
+
+Register SensorOf(int channel) {
+  return Nerith::kChannel1 + channel * Nerith::kChannelStep;
+}
+
+Register RangeOf(int channel) {
+  return SensorOf(channel) + 1;
+}
+
+unsigned IndexOf(const view::ComboBox& list) {
+  return static_cast<unsigned>(list.ListIndex());
+}
+
+}  // namespace
+
+Nerith::Nerith(pages::PageContext& context)
+    : RtdPage(context, kIdentity),
+      labelGaven([this](int i) {
+        return view::Label(*this, "labelGaven", kHeadingTexts.at(static_cast<std::size_t>(i)), "", i);
+      }),
+      cbDumpFactor(
+          [this](int i) { return view::ComboBox(*this, "cbDumpFactor", kDumpFactors, "40055.0-3 - Dump Factor", i); }),
+      labRange([this](int i) { return view::Label(*this, "labRange", "Range", "", i); }),
+      cbRangePT100([this](int i) { return view::ComboBox(*this, "cbRangePT100", kRanges, "PT100 Range", i); }),
+      chkConv([this](int i) {
+        return view::CheckBox(*this, "chkConv", "Temp.", "Check to get temperature, uncheck to get resitance.", i);
+      }),
+      chkBurnedSensor([this](int i) {
+        return view::CheckBox(*this, "chkBurnedSensor", "Burn-out behaviour",
+                              "Check to get down-scale on burned sensor.", i);
+      }),
+      cbUnits(*this, "cbUnits", kUnits, "40040.0-2  Tecnical Units"),
+      cbDecimalNumbers(*this, "cbDecimalNumbers", kDecimals, "40040.3-4  Decimal Digits") {
+  for (int i = 0; i < kChannels; ++i) {
+    cbDumpFactor[i].ListIndex = 0;
+    cbRangePT100[i].ListIndex = 0;
+    chkConv[i].OnChange = [this, i] { HeadValue(i); };
+  }
+  cbUnits.ListIndex = 0;
+  cbDecimalNumbers.ListIndex = 0;
+}
+
+// What Start, the poll and the search do.
+
+void Nerith::CheckFWVersion(int identity) {
+  const Word word(static_cast<unsigned>(identity));
+  firmware_ = word.Low();
+  SetFound(word);
+  if (word.High() == kPellor) EnableChannel(kChannels - 1, false);
+  FillSensorTypes(true);
+}
+
+void Nerith::SetFound(Word identity) {
+  const bool pellor = identity.High() == kPellor;
+  channels_ = pellor ? kChannelsOfPellor : kChannels;
+  cbSensorType[kChannels - 1].Enabled = !pellor;
+  cbDumpFactor[kChannels - 1].Enabled = !pellor;
+  if (pellor) Context().status.passing.Text = "Pellor, only 3 channels available";
+}
+
+bool Nerith::Newer() const {
+  return firmware_ >= kNewerFirmware;
+}
+
+void Nerith::Identified(Word identity) {
+  const bool pellor = identity.High() == kPellor;
+  channels_ = pellor ? kChannelsOfPellor : kChannels;
+  Context().status.connection.Text =
+      pages::ConnectionLine(pellor ? "Connected to  Pellor , " : "Connected to  Nerith , ", ModCom1);
+  firmware_ = identity.Low();
+  if (listsReady_) return;
+  FillSensorTypes(Newer());
+  listsReady_ = true;
+  if (Newer()) return;
+  for (view::CheckBox& conversion : chkConv) conversion.Visible = false;
+}
+
+void Nerith::FillSensorTypes(bool newer) {
+  for (view::ComboBox& type : cbSensorType) {
+    type.SetRows(newer ? std::span<const view::ListRow>(kNewerSensors) : kSensors);
+  }
+}
+
+core::Task<> Nerith::ShowConfiguration(std::optional<Word> serial) {
+  if (serial) ShowSerial(*serial);
+  const std::optional<Word> system = co_await ReadOne(kSystem);
+  if (system) ShowSystem(*system);
+  for (int i = 0; Newer() && i < kChannels; ++i) chkConv[i].Visible = true;
+  for (int i = 0; i < channels_; ++i) {
+    const std::optional<Word> sensor = co_await ReadChannel(SensorOf(i));
+    if (sensor) ShowSensor(i, *sensor);
+    const std::optional<Word> range = co_await ReadOne(RangeOf(i));
+    if (range) ShowRange(i, *range);
+  }
+  EnableChannel(kChannels - 1, channels_ == kChannels);
+}
+
+void Nerith::ShowSerial(Word serial) {
+  labModuleAddress.Caption = std::to_string(serial.Low());
+  cbBaudRate.SelectCode(serial.High() >> 2 & 7);
+  ShowParity(static_cast<unsigned>(serial.High()) & 3U);
+}
+
+void Nerith::ShowSystem(Word system) {
+  chkDINCoefficients.Value = system.Has(kDin) ? 1 : 0;
+  cbUnits.ListIndex = system.And(kUnitBits).Low();
+  decimals_ = system.And(kDecimalBits).Low() >> 3;
+  cbDecimalNumbers.ListIndex = decimals_;
+}
+
+void Nerith::ShowSensor(int channel, Word word) {
+  const int code = word.And(Newer() ? kNewerSensorBits : kSensorBits).High();
+  cbSensorType[channel].ListIndex = 0;
+  cbDumpFactor[channel].ListIndex = word.And(kDumpBits).Low();
+  if (code > kLastSensorCode) return;
+  if (!Newer()) {
+    cbSensorType[channel].ListIndex = code;
+    return;
+  }
+  cbSensorType[channel].ListIndex = code == kNickel ? 1 : 0;
+  chkConv[channel].Value = word.Has(kResistance) ? 0 : 1;
+  // The first reading may find the box as it stands.
+  HeadValue(channel);
+}
+
+void Nerith::HeadValue(int channel) {
+  view::Label& heading = labelGaven[kLabelIndex.at(static_cast<std::size_t>(channel))];
+  heading.Caption = chkConv[channel].Value() != 0 ? "Temperature" : "Resistance";
+}
+
+void Nerith::ShowRange(int channel, Word word) {
+  const int range = word.And(kRangeBits).High() >> 4;
+  cbRangePT100[channel].ListIndex = std::min(range, static_cast<int>(kRanges.size()) - 1);
+  chkBurnedSensor[channel].Value = word.Has(kDownScale) ? 1 : 0;
+}
+
+core::Task<> Nerith::ManageContinue() {
+  ManageNerith();
+  co_return;
+}
+
+void Nerith::ManageNerith() {
+  for (int i = 0; i < channels_; ++i) {
+    labTI_RTD[i].Caption = state::WithDecimals(Polled(kValue1 + i).Signed(), decimals_ <= 2 ? decimals_ : 0);
+  }
+  ShowFailures(labChannelFail, kFirstChannelFail, "");
+  ShowFailures(labSensorFail, kFirstSensorFail, "Sensor unconnected or damaged");
+}
+
+// What the user does.
+
+std::vector<RtdPage::Setting> Nerith::Configuration() {
+  std::vector<Setting> settings;
+  settings.reserve(2 + 2 * kChannels);
+  decimals_ = cbDecimalNumbers.ListIndex();
+  const unsigned system =
+      IndexOf(cbUnits) | (IndexOf(cbDecimalNumbers) * 8) | (chkDINCoefficients.Value() != 0 ? kDin : 0);
+  settings.push_back({kSystem, Word(system).And(0xFF)});
+  for (int i = 0; i < channels_; ++i) {
+    unsigned sensor = IndexOf(cbSensorType[i]);
+    if (Newer()) {
+      if (sensor == 1) sensor = kNickel;
+      if (chkConv[i].Value() == 0) sensor |= 4;
+    }
+    settings.push_back({SensorOf(i), Word(sensor * 0x100 | IndexOf(cbDumpFactor[i]))});
+    const unsigned range = std::min(IndexOf(cbRangePT100[i]), static_cast<unsigned>(kRanges.size()) - 1);
+    settings.push_back({RangeOf(i), Word(range * 0x1000 | (chkBurnedSensor[i].Value() != 0 ? kDownScale : 0))});
+  }
+  const auto baud = static_cast<unsigned>(cbBaudRate.SelectedCode());
+  const unsigned serial = (baud * 4 | ParityCode()) * 0x100;
+  settings.push_back({kSerial, state::ToWord(labModuleAddress.Caption()).Or(serial)});
+  return settings;
+}
+
+void Nerith::EnableChannel(int channel, bool enabled) {
+  const std::array<view::Control*, 5> settings = {&cbSensorType[channel], &cbDumpFactor[channel], &chkConv[channel],
+                                                  &chkBurnedSensor[channel], &cbRangePT100[channel]};
+  for (view::Control* setting : settings) setting->Enabled = enabled;
+}
+
+void Nerith::EnableSettings(int channel, bool enabled) {
+  cbDumpFactor[channel].Enabled = enabled;
+  cbSensorType[channel].Enabled = enabled;
+  if (!Newer()) return;
+  chkConv[channel].Enabled = enabled;
+  chkBurnedSensor[channel].Enabled = enabled;
+  cbRangePT100[channel].Enabled = enabled;
+}
+
+void Nerith::ResetForm() {
+  channels_ = kChannels;
+  const std::array<view::ComboBox*, 3> lists = {&cbBaudRate, &cbDecimalNumbers, &cbUnits};
+  for (view::ComboBox* list : lists) list->ListIndex = 0;
+  for (int i = 0; i < kChannels; ++i) {
+    cbDumpFactor[i].ListIndex = 0;
+    cbSensorType[i].ListIndex = 0;
+  }
+}
+
+// How it looks.
+
+view::Node Nerith::Arrangement() const {
+  std::vector<view::Node> cards;
+  cards.reserve(kChannels);
+  for (int i = 0; i < kChannels; ++i) {
+    cards.push_back(view::Frame(
+        "Input " + std::to_string(i + 1),
+        view::Column({
+            view::Row({view::Show(labelGaven[kLabelIndex.at(static_cast<std::size_t>(i))]), view::Show(labTI_RTD[i]),
+                       view::Show(labChannelFail[i]), view::Show(labSensorFail[i])}),
+            view::Row({
+                view::Column({
+                    view::Field("Sensor Type", view::Show(cbSensorType[i])),
+                    view::Field("Dump Factor", view::Show(cbDumpFactor[i])),
+                    view::Field("Range", view::Show(cbRangePT100[i])),
+                }),
+                view::Column({view::Show(chkConv[i]), view::Show(chkBurnedSensor[i])}),
+            }),
+        })));
+  }
+  return view::Column({
+      HeadLine("RTD inputs, four or three"),
+      view::Scroller(view::Column({
+          view::Row({std::move(cards[0]), std::move(cards[1])}),
+          view::Row({std::move(cards[2]), std::move(cards[3])}),
+          view::Frame("Settings", view::Row({
+                                      SerialFields(),
+                                      view::Column({
+                                          view::Field("Units", view::Show(cbUnits)),
+                                          view::Field("Decimal Digits", view::Show(cbDecimalNumbers)),
+                                          view::Show(chkDINCoefficients),
+                                      }),
+                                  })),
+      })),
+      Foot(),
+  });
+}
+
+}  // namespace tarvo::models

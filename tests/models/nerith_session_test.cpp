@@ -1,0 +1,390 @@
+// Session of the page of Nerith and Pellor: Start, Stop, what enables its settings, and the button Module Reset, which
+// has nothing to write to.
+
+#include "support/nerith_fixture.h"
+
+namespace tarvo::test {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// What Start reads beside its polls when the page was read before.
+std::vector<std::string> ReadsOfStart() {
+  return {"reads 40001", "reads 40001", "reads 40035"};
+}
+
+class NerithSession : public NerithFixture {
+ protected:
+  /// Presses Start and lets time go by until the module has taken so many requests.
+  void StartUntilRequest(int requests) {
+    const int before = module.Requests();
+    ClickAndGoOn("StartNerith");
+    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
+  }
+};
+
+// Start.
+
+TEST_F(NerithSession, ReadsTheIdentityTwiceAndTheAddressOnce) {
+  Click("StartNerith");
+  EXPECT_THAT(Exchanges(), ElementsAreArray(ReadsOfStart()));
+}
+
+TEST_F(NerithSession, ReadsAllSettingsOfAPageThatWasNotRead) {
+  State().pageReadDone = state::kFalse;
+  Set(kSystem, 0x2A);
+  Click("StartNerith");
+  std::vector<std::string> expected = {"reads 40001"};
+  const std::vector<std::string> settings = SettingsReads();
+  expected.insert(expected.end(), settings.begin(), settings.end());
+  EXPECT_THAT(Exchanges(), ElementsAreArray(expected));
+  EXPECT_EQ(ListIndex("cbUnits"), 2);
+  ExpectSessionGoesOn();
+}
+
+TEST_F(NerithSession, KeepsSettingsThatWereChangedInTheViewBeforeIt) {
+  Choose("cbUnits", 3);
+  Choose(Dump(0), 6);
+  Click("checkParity");
+  StartSession();
+  RunThroughADecode();
+  EXPECT_EQ(ListIndex("cbUnits"), 3);
+  EXPECT_EQ(ListIndex(Dump(0)), 6);
+  EXPECT_TRUE(Checked("checkParity"));
+}
+
+TEST_F(NerithSession, HasOpenedThePortBeforeTheIdentityIsRead) {
+  ClickAndGoOn("StartNerith");
+  EXPECT_TRUE(Hourglass());
+  EXPECT_TRUE(PortOpen());
+  EXPECT_EQ(State().StartComm, state::kFalse);
+  EXPECT_FALSE(Playing("MediaPlayer1"));
+  EXPECT_TRUE(TimersRest());
+}
+
+TEST_F(NerithSession, HasBegunWhenThePageReadsItsModule) {
+  StartUntilRequest(2);
+  EXPECT_EQ(State().StartComm, state::kTrue);
+  EXPECT_EQ(Text("labFWVers"), "Firmware rel:  18");
+  EXPECT_TRUE(TimersRest());
+}
+
+TEST_F(NerithSession, ShowsTheFirmwareInDecimal) {
+  for (const int firmware : {0, 7, 99, 255}) {
+    SetKind(kNerith, firmware);
+    StartSession();
+    EXPECT_EQ(Text("labFWVers"), "Firmware rel:  " + std::to_string(firmware));
+    Click("StopOswin");
+  }
+}
+
+TEST_F(NerithSession, TellsModelAndLineInTheStatusBar) {
+  for (const NerithKind& kind : {kPellor, kNerith}) {
+    SetKind(kind, kNew);
+    StartSession();
+    EXPECT_EQ(Panel2(), std::string("Connected to  ") + kind.name + " , COM1,9600,n,8,1  Module Address:1");
+    Click("StopOswin");
+  }
+}
+
+TEST_F(NerithSession, HasDoneAllWhenStartEnds) {
+  State().PollRegister = state::Register(40077);
+  State().PollCount = 1;
+  State().ReadStep = 5;
+  Click("StartNerith");
+  EXPECT_EQ(State().StartComm, state::kTrue);
+  EXPECT_EQ(State().PollRegister.Number(), 40002);
+  EXPECT_EQ(State().PollCount, 5);
+  EXPECT_EQ(State().ReadStep, 0);
+  EXPECT_TRUE(PortOpen());
+  EXPECT_TRUE(TimersRun());
+  EXPECT_FALSE(Enabled("StartNerith"));
+  EXPECT_TRUE(Enabled("StopOswin"));
+  for (const char* name : {"labNerith", "menuNerith", "LabHome", "LabPCSetup", "buttCheckDevice", "cbSelectDevice",
+                           "mnuCheckconnection", "Command1"}) {
+    EXPECT_FALSE(Enabled(std::string("MDIForm1.") + name)) << name;
+  }
+  EXPECT_TRUE(Playing("MediaPlayer1"));
+  EXPECT_FALSE(Hourglass());
+  EXPECT_TRUE(NothingInFront());
+  EXPECT_EQ(State().NrFinestra, 9);
+}
+
+TEST_F(NerithSession, LeavesTheKindOfRunAsItWas) {
+  State().RunKind = 77;
+  StartSession();
+  EXPECT_EQ(State().RunKind, 77);
+}
+
+TEST_F(NerithSession, PollsFiveRegistersEveryHalfSecond) {
+  EXPECT_EQ(Interval("TimerLetturaSeriale"), 500);
+  EXPECT_EQ(Interval("TimerGestioneLetture"), 200);
+  StartSession();
+  Run(std::chrono::seconds(10));
+  EXPECT_THAT(module.TakeLog(), AllOf(SizeIs(20), Each(std::string(kNerithPoll))));
+  EXPECT_EQ(Message(), "OK");
+}
+
+TEST_F(NerithSession, PollsFiveRegistersOfAThreeChannelModuleToo) {
+  SetKind(kPellor, kNew);
+  StartSession();
+  ExpectSessionGoesOn();
+}
+
+TEST_F(NerithSession, TakesNoSecondStart) {
+  StartSession();
+  EXPECT_EQ(RefusalOf("StartNerith"), "StartNerith is disabled");
+}
+
+TEST_F(NerithSession, IsRefusedToAModuleOfAnotherModel) {
+  for (const int identity : {0x0A12, 0x0712, 0x1612, 0x0012, 0x8812, 0x8912, 0x1208, 0x0000}) {
+    SCOPED_TRACE(identity);
+    Set(kIdentity, identity);
+    module.ForgetLog();
+    Click("StartNerith");
+    EXPECT_THAT(BoxInFront(), IsBox(kNotANerith, view::Icon::kCritical));
+    AnswerOk();
+    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
+    EXPECT_FALSE(Playing("MediaPlayer1"));
+    ExpectOffline();
+  }
+  SetKind(kPellor, kOld);
+  StartSession();
+}
+
+TEST_F(NerithSession, IsRefusedToASilentModule) {
+  module.Always(ModuleFault::Unheard());
+  Click("StartNerith");
+  EXPECT_THAT(BoxInFront(), IsBox(kNotANerith, view::Icon::kCritical));
+  AnswerOk();
+  module.Always(ModuleFault::None());
+  ExpectOffline();
+  StartSession();
+}
+
+TEST_F(NerithSession, GoesOnThoughItsPageNoLongerKnowsTheModule) {
+  module.Next(ModuleFault::None());
+  module.Next(ModuleFault::Exception(4));
+  Click("StartNerith");
+  EXPECT_THAT(Exchanges(), ElementsAre("reads 40001", "reads 40001: exception 4"));
+  EXPECT_EQ(Panel2(), kThisIsNoNerith);
+  EXPECT_FALSE(Enabled("StartNerith"));
+  ExpectSessionGoesOn();
+}
+
+// Enabling.
+
+class NerithEnabling : public NerithModule, public testing::WithParamInterface<NerithKind> {
+ protected:
+  /// Enters the page after a search, which has turned all settings off.
+  void Search(int firmware) {
+    SetKind(GetParam(), firmware);
+    Click("MDIForm1.buttCheckDevice");
+    ASSERT_TRUE(RunUntil([this] { return State().SearchRunning == state::kFalse && program.GetScreen().Idle(); }));
+    ASSERT_EQ(Page().Name(), "frmNerith");
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(, NerithEnabling, testing::Values(kNerith, kPellor),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
+TEST_P(NerithEnabling, IsTakenAwayByASearchButForTheFourthChannel) {
+  Search(kNew);
+  for (const char* name : {"cbBaudRate", "labModuleAddress", "checkParity"}) EXPECT_FALSE(Enabled(name)) << name;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(Enabled(Sensor(i))) << i;
+    EXPECT_FALSE(Enabled(Dump(i))) << i;
+  }
+  for (const std::string& name : ChannelControls(3)) EXPECT_EQ(Enabled(name), GetParam().channels == 4) << name;
+}
+
+TEST_P(NerithEnabling, ComesBackWithStart) {
+  for (const int firmware : {kOld, kNew}) {
+    Search(firmware);
+    StartSession();
+    for (const char* name : {"cbBaudRate", "labModuleAddress", "checkParity"}) EXPECT_TRUE(Enabled(name)) << name;
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_TRUE(Enabled(Sensor(i))) << i;
+      EXPECT_TRUE(Enabled(Dump(i))) << i;
+    }
+    EXPECT_EQ(Enabled(Sensor(3)), GetParam().channels == 4);
+    EXPECT_EQ(Enabled(Dump(3)), GetParam().channels == 4);
+    Click("StopOswin");
+  }
+}
+
+TEST_P(NerithEnabling, CoversTheOtherChannelControlsOnNewFirmware) {
+  // The second search finds a page that knows the firmware already.
+  Search(kNew);
+  Search(kNew);
+  for (int i = 0; i < 3; ++i) {
+    for (const std::string& name : ChannelControls(i)) EXPECT_FALSE(Enabled(name)) << name;
+  }
+  StartSession();
+  for (int i = 0; i < kMostChannels; ++i) {
+    for (const std::string& name : ChannelControls(i)) EXPECT_EQ(Enabled(name), i < GetParam().channels) << name;
+  }
+}
+
+TEST_P(NerithEnabling, LeavesTheBurnOutOnOldFirmware) {
+  Search(kOld);
+  Search(kOld);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(Enabled(Sensor(i))) << i;
+    EXPECT_TRUE(Enabled(Burned(i))) << i;
+  }
+}
+
+TEST_P(NerithEnabling, LeavesUnitsDigitsAndCoefficients) {
+  Search(kNew);
+  for (const char* name : {"cbUnits", "cbDecimalNumbers", "chkDINCoefficients"}) EXPECT_TRUE(Enabled(name)) << name;
+}
+
+TEST_P(NerithEnabling, StaysAfterStop) {
+  Search(kNew);
+  StartSession();
+  Click("StopOswin");
+  EXPECT_TRUE(Enabled("cbBaudRate"));
+  EXPECT_TRUE(Enabled(Sensor(0)));
+  EXPECT_EQ(Enabled(Sensor(3)), GetParam().channels == 4);
+}
+
+// Stop and leaving.
+
+TEST_F(NerithSession, EndsWithStop) {
+  StartSession();
+  Click("StopOswin");
+  EXPECT_FALSE(Playing("MediaPlayer1"));
+  ExpectOffline();
+  StartSession();
+}
+
+TEST_F(NerithSession, ReadsNothingWhenItEnds) {
+  StartSession();
+  Run(std::chrono::seconds(2));
+  module.ForgetLog();
+  Click("StopOswin");
+  Run(std::chrono::seconds(2));
+  EXPECT_THAT(Exchanges(), IsEmpty());
+}
+
+TEST_F(NerithSession, IsUndoneByStopWhileThePageReadsItsModule) {
+  // Where there is no session yet, Stop does nothing and Start goes on.
+  for (int requests = 1; requests <= 3; ++requests) {
+    SCOPED_TRACE(requests);
+    StartUntilRequest(requests);
+    const bool begun = InSession();
+    EXPECT_EQ(begun, requests > 1);
+    ClickAndGoOn("StopOswin");
+    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+    EXPECT_EQ(InSession(), !begun);
+    if (InSession()) Click("StopOswin");
+    EXPECT_FALSE(Playing("MediaPlayer1"));
+    ExpectOffline();
+  }
+  StartSession();
+}
+
+TEST_F(NerithSession, WaitsAtStopForThePollUnderWay) {
+  StartSession();
+  RunIntoAPoll();
+  const History message(At("frmNerith.labMessage"), "Caption");
+  Click("StopOswin");
+  EXPECT_THAT(message.Values<std::string>(), testing::Not(testing::Contains(std::string(kPollFailed))));
+  ExpectOffline();
+}
+
+TEST_F(NerithSession, KeepsThePageFromClosing) {
+  StartSession();
+  ClosePage();
+  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
+  AnswerOk();
+  EXPECT_EQ(Page().Name(), "frmNerith");
+  ExpectSessionGoesOn();
+}
+
+TEST_F(NerithSession, TakesNoticeOfEscapeWithoutEnding) {
+  StartSession();
+  PressKey(view::Key::kEscape);
+  EXPECT_EQ(State().EscPressed, 1);
+  ExpectSessionGoesOn();
+}
+
+TEST_F(NerithSession, OutlivesAModuleThatIsPulledOut) {
+  StartSession();
+  line.Lose();
+  Run(std::chrono::seconds(2));
+  EXPECT_EQ(Message(), kPollFailed);
+  EXPECT_TRUE(InSession());
+  EXPECT_TRUE(NothingInFront());
+  Click("StopOswin");
+  EXPECT_FALSE(InSession());
+  EXPECT_FALSE(PortOpen());
+}
+
+// No setting goes to the module by itself.
+
+TEST_F(NerithSession, WritesNothingThoughEverySettingIsChanged) {
+  StartSession();
+  for (int i = 0; i < kMostChannels; ++i) {
+    Choose(Sensor(i), 1);
+    Choose(Dump(i), 7);
+    Choose(Range(i), 2);
+    Click(Conv(i));
+    Click(Burned(i));
+  }
+  Choose("cbUnits", 3);
+  Choose("cbDecimalNumbers", 2);
+  Choose("cbBaudRate", 6);
+  Click("chkDINCoefficients");
+  Click("checkParity");
+  Click("OptionOdd");
+  EXPECT_THAT(Exchanges(), IsEmpty());
+  ExpectSessionGoesOn();
+}
+
+TEST_F(NerithSession, LeavesChangedSettingsToTheUser) {
+  StartSession();
+  Choose(Sensor(1), 1);
+  Choose("cbUnits", 3);
+  Click(Conv(2));
+  Set(kSystem, 0x2A);
+  SetChannel(1, 0x0404, 0x5000);
+  Run(std::chrono::seconds(3));
+  EXPECT_EQ(ListIndex(Sensor(1)), 1);
+  EXPECT_EQ(ListIndex("cbUnits"), 3);
+  EXPECT_EQ(ListIndex(Range(1)), 0);
+  EXPECT_FALSE(Checked(Conv(2)));
+}
+
+// Module Reset.
+
+constexpr char kSwitchOff[] = "Switch the module off and on to restart it.";
+
+TEST_F(NerithSession, ResetOnlyTellsWhatToDo) {
+  Click("ResetGaven");
+  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOff, view::Icon::kInformation));
+  AnswerOk();
+  EXPECT_THAT(module.TakeLog(), IsEmpty());
+  EXPECT_EQ(line.Opens(), 0);
+  ExpectOffline();
+}
+
+TEST_F(NerithSession, ResetLetsASessionGoOn) {
+  StartSession();
+  Click("ResetGaven");
+  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOff, view::Icon::kInformation));
+  EXPECT_TRUE(InSession());
+  AnswerOk();
+  EXPECT_THAT(Exchanges(), IsEmpty());
+  EXPECT_EQ(State().NrFinestra, 9);
+  ExpectSessionGoesOn();
+}
+
+}  // namespace
+}  // namespace tarvo::test

@@ -93,6 +93,11 @@ GestureResult Answer(const Bench& bench, const Arguments& arguments) {
   return bench.screen.Answer(arguments[0].text);
 }
 
+GestureResult Open(const Bench& bench, const Arguments& arguments) {
+  view::Window* page = NamesOf(bench).FindWindow(arguments[0].text);
+  return page != nullptr ? bench.screen.Open(*page) : Refused("there is no window " + arguments[0].text);
+}
+
 GestureResult Close(const Bench& bench, const Arguments& /*arguments*/) {
   return bench.screen.Close();
 }
@@ -209,6 +214,7 @@ constexpr Command kCommands[] = {
     {"until", "until NAME.Property = VALUE within 5s", "lets it run until that holds (= != < > contains)", 5, 5,
      nullptr, Until},
     {"idle", "idle within 10s", "lets it run until no handler is under way", 2, 2, nullptr, Idle},
+    {"open", "open WINDOW", "shows a hidden page: frmPlugAndPlay", 1, 1, Open},
     {"close", "close", "the close box of the modal window in front, else of the main window", 0, 0, Close},
     {"quit", "quit", "the menu's Exit", 0, 0, Quit},
     {"help", "help", "this table", 0, 0, nullptr, Help},

@@ -1,7 +1,12 @@
 #include "bus/ms_comm.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <utility>
+
+#include "bus/rtu_frame.h"
 
 namespace tarvo::bus {
 
@@ -21,8 +26,27 @@ core::Status MSComm::SetPortOpen(bool open) {
   return std::move(opened.status);
 }
 
+void MSComm::Output(std::string_view text) {
+  if (!PortOpen()) return;
+  const std::vector<std::uint8_t> bytes(text.begin(), text.end());
+  // A device that is gone shows as silence.
+  (void)port_->Write(bytes);
+}
+
+std::string MSComm::Input() {
+  if (!PortOpen()) return {};
+  // One byte more than any frame has tells that it is none; a device may babble without end.
+  std::array<std::uint8_t, kLongestFrame + 1> bytes{};
+  const std::size_t count = port_->Take(bytes);
+  port_->DiscardInput();
+  return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
 std::vector<view::NamedValue> MSComm::Properties() const {
-  return {{"CommPort", std::int64_t{CommPort()}}, {"Settings", Settings()}, {"PortOpen", PortOpen()}};
+  return {{"CommPort", std::int64_t{CommPort()}},
+          {"Settings", Settings()},
+          {"RThreshold", std::int64_t{RThreshold()}},
+          {"PortOpen", PortOpen()}};
 }
 
 int TestPort(MSComm& comm, int port) {

@@ -12,7 +12,7 @@
 
 namespace tarvo::bus {
 
-/// The plain serial instance of a window: owns a port without speaking on it.
+/// The plain serial instance of a window: owns a port and moves bytes, without knowing what they mean.
 class MSComm : public view::Control {
  public:
   /// Codes of `CommEvent`: what may have gone wrong on the line.
@@ -30,10 +30,17 @@ class MSComm : public view::Control {
 
   view::Property<int> CommPort{*this, 1};
   view::Property<std::string> Settings{*this, "9600,n,8,1"};
+  view::Property<int> RThreshold{*this, 0};  ///< bytes received that signal the instance; it is asked by `Input`
 
   bool PortOpen() const { return port_ != nullptr; }
   /// Opens the port with the present `CommPort` and `Settings`, or closes it. The faults are those of `PortOpener`.
   core::Status SetPortOpen(bool open);
+
+  /// Sends the bytes of `text` as they stand. Nothing goes out when the port is closed or gone.
+  void Output(std::string_view text);
+  /// What was received since it was asked last, one character a byte; empty when the port is closed. Of more than a
+  /// frame can have, 257 bytes.
+  std::string Input();
 
   /// What happened on the line.
   std::function<void(Event event)> OnComm;

@@ -1,5 +1,6 @@
 #include "shell/program.h"
 
+#include "bus/rawlink/frm_plug_and_play.h"
 #include "models/belk.h"
 #include "models/cobin.h"
 #include "models/dravo.h"
@@ -40,6 +41,7 @@ struct Program::Parts {
                &quenby,
                &oswin,
                &dlgCalForm,
+               &frmPlugAndPlay,
                &mainWindow.home,
                &mainWindow.pcSetup,
                &mainWindow.about,
@@ -77,6 +79,7 @@ struct Program::Parts {
   models::Marlo marlo{context};
   models::Quenby quenby{context, dlgSetNewValue};
   models::Oswin oswin{context};
+  bus::FrmPlugAndPlay frmPlugAndPlay{screen, state, context.ports};
   std::vector<view::Window*> windows;
   bool starting = true;
 };

@@ -342,6 +342,19 @@ GestureResult Screen::Leave(Control& control) {
   return field.OnLeave ? Start(control.GetWindow(), Run(field.OnLeave)) : TakenAtOnce();
 }
 
+core::Task<> Screen::LeaveFor(Window& page) {
+  bool agreed = true;
+  if (page_ != nullptr) agreed = co_await page_->QueryUnload();
+  if (agreed) co_await ShowPage(&page);
+}
+
+GestureResult Screen::Open(Window& page) {
+  if (!page.Hidden()) return Refused(page.Name() + " is no hidden page");
+  if (&page == page_) return Refused(page.Name() + " is on the screen");
+  if (Front() != nullptr) return Refused(page.Name() + " would be behind what is in front");
+  return Start(page, LeaveFor(page));
+}
+
 core::Task<> Screen::CloseWindow(Window& window) {
   const bool agreed = co_await window.QueryUnload();
   if (!agreed) co_return;

@@ -155,6 +155,8 @@ class Screen {
   /// window unless a text box takes it.
   GestureResult PressKey(Control* control, Key key);
   GestureResult Leave(Control& control);
+  /// Shows a page that no navigation leads to, unless the page on the screen refuses to be left.
+  GestureResult Open(Window& page);
   /// The close box of the modal thing in front, else of the main window.
   GestureResult Close();
   /// The close box of a page.
@@ -207,6 +209,7 @@ class Screen {
   core::Task<> Counted(core::Task<> handler, std::shared_ptr<GestureRun> run);
   core::Task<> ClickBox(CheckBox& box, std::shared_ptr<bool> toggled);
   core::Task<> CloseWindow(Window& window);
+  core::Task<> LeaveFor(Window& page);
   GestureResult Start(Window& window, core::Task<> handler);
 
   core::Scheduler& scheduler_;

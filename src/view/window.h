@@ -30,6 +30,8 @@ class Window {
   /// The control of that name ("TotIN(0)"), null when there is none.
   Control* Find(std::string_view name) const;
 
+  /// True for a page that no navigation leads to: only `Screen::Open` shows it.
+  virtual bool Hidden() const { return false; }
   /// How the window looks: made anew at each call.
   virtual Node Arrangement() const = 0;
 

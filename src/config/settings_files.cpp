@@ -144,7 +144,7 @@ core::Task<> SettingsFiles::Store(std::string path) {
 void SettingsFiles::StoreFrom(pages::DevicePage& page, const std::string& path) {
   page.EnsureLoaded();
   // All of it before the file is touched.
-  page.GatherFields();
+  page.ReadAllDataFromForm();
   OpenChannel();
   std::string content = FieldLine(HeaderOf(page));
   for (std::size_t i = 1; i <= page.Files().fields.size(); ++i) content += FieldLine(state_.FileFields[i]);

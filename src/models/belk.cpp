@@ -170,8 +170,7 @@ void Belk::ShowCounter(int input, Word counter) {
 }
 
 void Belk::ShowCommunication(Word communication) {
-  AddressBelk.Caption = std::to_string(communication.Low());
-  BaudBelk.SelectCode(communication.High());
+  pages::ShowAddressWord(communication, AddressBelk, BaudBelk, pages::kWholeHighByte);
 }
 
 // A file has no live values.

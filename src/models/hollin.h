@@ -20,6 +20,7 @@ class Hollin : public PlcPage<AnalogInputs> {
   /// What the module serves a PLC with.
   void HollinEnableInterface(bool on);
 
+  pages::FileFormat Files() const override { return {.word = "Hollin", .updated = "Hollin", .fields = fields_}; }
   view::Node Arrangement() const override;
 
  protected:
@@ -29,12 +30,15 @@ class Hollin : public PlcPage<AnalogInputs> {
   void Started() override { HollinEnableControls(0); }
   void Stopped() override;
   bool MayStop() const override;
+  core::Task<> SetupFormFromFile() override;
 
  private:
   state::Word ReadFlagsFromForm() const;
   core::Task<> DataClick(bool raw);
+  std::vector<pages::FileField> MakeFields();
 
   const std::vector<pages::ImageWrite> images_;
+  const std::vector<pages::FileField> fields_;
 };
 
 }  // namespace tarvo::models

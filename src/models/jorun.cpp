@@ -87,9 +87,7 @@ core::Task<> Jorun::ApplyFirmware(int /*release*/) {
 }
 
 core::Task<> Jorun::SetupFormFromFile() {
-  // The whole high byte is the baud code here.
-  labAddressJorun.Caption = std::to_string(Copy(kAddress).Low());
-  cbBaudJorun.SelectCode(Copy(kAddress).High());
+  pages::ShowAddressWord(Copy(kAddress), labAddressJorun, cbBaudJorun, pages::kWholeHighByte);
   ShowFlags(Copy(kFlags));
   for (int i = 0; i < kInputs; ++i) {
     InputType[i].ListIndex = Copy(kInputType1 + i).Signed();

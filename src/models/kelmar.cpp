@@ -1,6 +1,9 @@
 #include "models/kelmar.h"
 
+#include <string>
+
 #include "pages/status_panels.h"
+#include "state/number_text.h"
 
 namespace tarvo::models {
 
@@ -45,9 +48,20 @@ constexpr int kDisplayOn = -1;
 Kelmar::Kelmar(pages::PageContext& context, calibration::DlgCalForm& calibration)
     : PlcPage(context, kIdentity, kTips, kTexts, calibration),
       // Raw or scaled is not in it, which is meant.
-      images_(InputImages([this] { return FlagsShown(); })) {
+      images_(InputImages([this] { return FlagsShown(); })),
+      fields_(MakeFields()) {
   Option1.OnClick = [this] { return ScaledClick(); };
   Option2.OnClick = [this] { return RawClick(); };
+}
+
+std::vector<pages::FileField> Kelmar::MakeFields() {
+  std::vector<pages::FileField> fields;
+  // Nor in the file.
+  fields.push_back({[this] { return std::to_string(FlagsShown().Unsigned()); },
+                    [this](const std::string& text) { ShowBoxes(state::LowWord(text)); }});
+  for (view::ComboBox& type : InputType) fields.push_back(PositionField(type));
+  for (view::ComboBox& filter : Filter) fields.push_back(PositionField(filter));
+  return fields;
 }
 
 // What Start, the poll and the search do.

@@ -23,6 +23,9 @@ class Kelmar : public PlcPage<ThermocoupleInputs> {
   /// No lamp, no bar, and 0 everywhere.
   void CleanKelmar();
 
+  pages::FileFormat Files() const override {
+    return {.word = "Kelmar", .updated = "Kelmar", .fields = fields_, .copied = true};
+  }
   view::Node Arrangement() const override;
 
  protected:
@@ -36,7 +39,10 @@ class Kelmar : public PlcPage<ThermocoupleInputs> {
   core::Task<> RawClick();
   core::Task<> ScaledClick();
 
+  std::vector<pages::FileField> MakeFields();
+
   const std::vector<pages::ImageWrite> images_;
+  const std::vector<pages::FileField> fields_;
 };
 
 }  // namespace tarvo::models

@@ -107,7 +107,8 @@ Lumet::Lumet(pages::PageContext& context)
           {CheckLumet4, kFlags, 0x0002, 0xFFFD},
           {CheckLumet5, kFlags, 0x0004, 0xFFFB},
           {CheckLumet6, kFlags, 0x0008, 0xFFF7},
-      }}) {
+      }}),
+      fields_(MakeFields()) {
   WEEP.ToolTipText = "Write current  settings to eeprom";
   Reset->ToolTipText = "Module Reset";
   for (view::ARMetor& bar : BargLumet) pages::MakeBar(bar);
@@ -120,6 +121,32 @@ Lumet::Lumet(pages::PageContext& context)
   for (int i = 0; i < kMeasures; ++i) cbIngresso[i].OnSelect = [this, i] { ListTypes(i); };
   BindEdit(FilterLumet, 1, 254);
   BindEdit(AddressLumet, 1, 255);
+}
+
+std::vector<pages::FileField> Lumet::MakeFields() {
+  std::vector<pages::FileField> fields;
+  // The first counter is not among them, which is meant.
+  for (int i = 1; i < kInputs; ++i) fields.push_back(TextField(TotIN[i]));
+  fields.push_back({[this] { return std::to_string(ReadFlagsFromForm().Unsigned()); },
+                    [this](const std::string& text) {
+                      if (state::IsNumeric(text)) SetEPRFLGOnForm(state::LowWord(text));
+                    }});
+  // An address that is no number ends the reading: what follows stays as it is.
+  const pages::FileField address = AddressField(AddressLumet, BaudLumet, pages::kWholeHighByte);
+  const std::size_t number = fields.size() + 1;
+  const auto ended = [this, number] { return !state::IsNumeric(State().FileFields.at(number)); };
+  fields.push_back({address.write, [address, ended](const std::string& text) {
+                      if (!ended()) address.read(text);
+                    }});
+  fields.push_back({[this] { return std::to_string(SetMeasureType().Unsigned()); },
+                    [this, ended](const std::string& text) {
+                      if (!ended() && state::IsNumeric(text)) SetMeasureTypeOnForm(state::LowWord(text));
+                    }});
+  const pages::FileField filter = TextField(FilterLumet);
+  fields.push_back({filter.write, [filter, ended](const std::string& text) {
+                      if (!ended()) filter.read(text);
+                    }});
+  return fields;
 }
 
 // What Start, the poll and the search do.
@@ -220,9 +247,7 @@ core::Task<> Lumet::ReadOtherRegisters() {
   const std::optional<Word> filter = co_await ReadOne(kFilter);
   if (filter) FilterLumet.Caption = std::to_string(filter->Unsigned());
   const std::optional<Word> address = co_await ReadOne(kStoredAddress);
-  if (!address) co_return;
-  BaudLumet.SelectCode(address->High());
-  AddressLumet.Caption = std::to_string(address->Low());
+  if (address) pages::ShowAddressWord(*address, AddressLumet, BaudLumet, pages::kWholeHighByte);
 }
 
 core::Task<> Lumet::ReadMeasureType() {

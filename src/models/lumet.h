@@ -68,6 +68,10 @@ class Lumet : public pages::DevicePage {
   /// Goes on when that many seconds have gone by; all else runs meanwhile.
   core::Task<> Pause(float seconds);
 
+  pages::FileFormat Files() const override {
+    // The message after Load speaks of another model, which is meant.
+    return {.word = "Lumet", .updated = "Jorun", .fields = fields_, .toTheEnd = true};
+  }
   view::Node Arrangement() const override;
 
  protected:
@@ -96,8 +100,10 @@ class Lumet : public pages::DevicePage {
   core::Task<> WriteEEpromRegisters();
   core::Task<> Store(state::Register image, state::Word value);
   void SayUnwritten(state::Register image);
+  std::vector<pages::FileField> MakeFields();
 
   const std::array<pages::Flag, 4> flags_;
+  const std::vector<pages::FileField> fields_;
   int commstep_ = 1;  ///< of the poll, 1 or 2
 };
 

@@ -74,6 +74,8 @@ constexpr unsigned kResetTimeout = 0x0001;
 constexpr unsigned kFailLed = 0x0002;
 constexpr unsigned kFailLedMode = 0x0300;
 constexpr unsigned kParityBits = 0x0003;
+constexpr unsigned kLowConf = 0x000F;
+constexpr unsigned kBaudBits = 0x0700;
 constexpr unsigned kParityEven = 1;
 constexpr unsigned kParityOdd = 2;
 
@@ -90,11 +92,15 @@ std::string OutputTip(int output) {
   return "40003." + std::to_string(told) + " - Output " + std::to_string(told + 1);
 }
 
-/// The whole part of a numeric text, times `unit`; throws "Overflow" when it fits no integer.
-std::int32_t WholePart(const std::string& text, int unit) {
-  const double whole = std::trunc(state::ToNumber(text)) * unit;
-  if (std::abs(whole) > std::numeric_limits<std::int32_t>::max()) throw core::Fault(core::kOverflow);
-  return static_cast<std::int32_t>(whole);
+/// The nearest integer; throws "Overflow" when `value` fits none.
+std::int32_t Rounded(double value) {
+  if (std::abs(value) > std::numeric_limits<std::int32_t>::max()) throw core::Fault(core::kOverflow);
+  return state::RoundTiesToEven(value);
+}
+
+/// Tenths as a number of wholes: 24 gives "2.4", 20 gives "2".
+std::string TenthsText(int tenths) {
+  return tenths % 10 == 0 ? std::to_string(tenths / 10) : state::WithDecimals(tenths, 1);
 }
 
 /// The rows of lamps that a click changes.
@@ -131,7 +137,8 @@ Marlo::Marlo(pages::PageContext& context)
         return view::CheckBox(*this, "checkMask", "Out" + std::to_string(i + 1), "Press button to enable diagnostic",
                               i);
       }),
-      ComboFailLed(*this, "ComboFailLed", kFailLeds, "40012.8-40012.9 led activation mode") {
+      ComboFailLed(*this, "ComboFailLed", kFailLeds, "40012.8-40012.9 led activation mode"),
+      fields_(MakeFields()) {
   WEEP.Caption = "&Write";
   WEEP.ToolTipText = "Write settings to eeprom: serial settings, safety timeout, diagnostic mask";
   WEEP.OnClick = [this] { return WEEPMarloClick(); };
@@ -157,6 +164,45 @@ Marlo::Marlo(pages::PageContext& context)
   BindEdit(labSafetimeMarlo, 0, 65535);
   BindNumber(txtDelay, "Delay is not numeric !");
   BindNumber(txtValTreshold, "Val Treshold is not numeric !");
+}
+
+std::vector<pages::FileField> Marlo::MakeFields() {
+  std::vector<pages::FileField> fields;
+  fields.push_back({[this] { return std::to_string(cbBaudMarlo.SelectedCode() * 256 | lowConf_); },
+                    [this](const std::string& text) {
+                      const Word baud = state::LowWord(text);
+                      lowConf_ = baud.And(kLowConf).Low();
+                      cbBaudMarlo.SelectCode(baud.And(kBaudBits).High());
+                    }});
+  fields.push_back({[this] {
+                      const std::int32_t address = state::ToInteger(labAddressMarlo.Caption());
+                      return std::to_string(static_cast<std::int32_t>(ParityCode()) | address * 256);
+                    },
+                    [this](const std::string& text) {
+                      const Word address = state::LowWord(text);
+                      ShowParity(static_cast<unsigned>(address.And(kParityBits).Low()));
+                      labAddressMarlo.Caption = std::to_string(address.High());
+                    }});
+  fields.push_back(
+      {[this] { return std::to_string(state::ToInteger(labSafetimeMarlo.Caption())); },
+       [this](const std::string& text) { labSafetimeMarlo.Caption = std::to_string(state::ToInteger(text)); }});
+  fields.push_back({[this] { return std::to_string(OptionsShown().Unsigned()); },
+                    [this](const std::string& text) { ShowOptions(state::LowWord(text)); }});
+  const std::size_t number = fields.size() + 1;
+  fields.push_back({[this, number] { return StoredThreshold(State().FileFields.at(number)); },
+                    [this](const std::string& text) {
+                      const std::int32_t stored = state::ToInteger(text);
+                      txtValTreshold.Text = TenthsText(stored & 0xFF);
+                      txtDelay.Text = std::to_string(stored / 256);
+                    }});
+  return fields;
+}
+
+/// Threshold and delay for the file, tenths kept. Texts that are no numbers leave the field as it was.
+std::string Marlo::StoredThreshold(const std::string& last) const {
+  if (!NumbersTyped()) return last;
+  const std::int32_t threshold = Rounded(state::ToNumber(txtValTreshold.Text()) * 10);
+  return std::to_string(threshold | Rounded(state::ToNumber(txtDelay.Text()) * 256));
 }
 
 // What Start, the poll and the search do.
@@ -222,8 +268,8 @@ core::Task<> Marlo::ShowRegisters() {
   }
   const std::optional<Word> baud = co_await ReadOne(kBaud);
   if (baud) {
-    lowConf_ = baud->And(0x000F).Low();
-    cbBaudMarlo.SelectCode(baud->And(0x0700).High());
+    lowConf_ = baud->And(kLowConf).Low();
+    cbBaudMarlo.SelectCode(baud->And(kBaudBits).High());
   }
   const std::optional<Word> voltage = co_await ReadOne(kVoltage);
   if (voltage) ShowVoltage(*voltage);
@@ -240,17 +286,19 @@ core::Task<> Marlo::ShowRegisters() {
 
 core::Task<> Marlo::ReadFlags() {
   const std::optional<Word> options = co_await ReadOne(kOptions);
-  if (options) {
-    CheckResetTimeout.Value = options->Has(kResetTimeout) ? 1 : 0;
-    CheckFailLed.Value = options->Has(kFailLed) ? 1 : 0;
-    ComboFailLed.ListIndex = options->And(kFailLedMode).High();
-  }
+  if (options) ShowOptions(*options);
   const std::optional<Word> threshold = co_await ReadOne(kThreshold);
   if (threshold) {
     // The tenths of a volt are not shown, which is meant.
     txtValTreshold.Text = std::to_string(threshold->Low() / 10);
     txtDelay.Text = std::to_string(threshold->High());
   }
+}
+
+void Marlo::ShowOptions(Word options) {
+  CheckResetTimeout.Value = options.Has(kResetTimeout) ? 1 : 0;
+  CheckFailLed.Value = options.Has(kFailLed) ? 1 : 0;
+  ComboFailLed.ListIndex = options.And(kFailLedMode).High();
 }
 
 core::Task<> Marlo::ManageContinue() {
@@ -282,10 +330,7 @@ void Marlo::PaintStatus(Word status) {
 }
 
 void Marlo::ShowVoltage(Word voltage) {
-  const int tenths = voltage.Unsigned();
-  std::string text = std::to_string(tenths / 10);
-  if (tenths % 10 != 0) text += "." + std::to_string(tenths % 10);
-  txtVoltage.Text = text;
+  txtVoltage.Text = TenthsText(voltage.Unsigned());
 }
 
 void Marlo::ShowParity(unsigned code) {
@@ -432,22 +477,35 @@ core::Task<> Marlo::WriteEEprom() {
   co_await WriteStored(kBaud, cbBaudMarlo.SelectedCode() * 256);
   co_await WriteStored(kSafeTime, safeTime);
   co_await WriteFlags(threshold);
-  unsigned parity = 0;
-  if (checkParity.Value() != 0) parity = OptionEven.Value() ? kParityEven : kParityOdd;
   bus::wait(GetScheduler(), kSettle);
-  co_await WriteStored(kAddress, static_cast<std::int32_t>(parity) | (address * 256));
+  co_await WriteStored(kAddress, static_cast<std::int32_t>(ParityCode()) | (address * 256));
 }
 
 /// The word of threshold and delay; nothing when one of the texts is no number.
 std::optional<std::int32_t> Marlo::ThresholdAndDelay() const {
-  if (!state::IsNumeric(txtValTreshold.Text()) || !state::IsNumeric(txtDelay.Text())) return std::nullopt;
-  return WholePart(txtValTreshold.Text(), 10) | WholePart(txtDelay.Text(), 256);
+  if (!NumbersTyped()) return std::nullopt;
+  const double volts = std::trunc(state::ToNumber(txtValTreshold.Text()));
+  const double delay = std::trunc(state::ToNumber(txtDelay.Text()));
+  return Rounded(volts * 10) | Rounded(delay * 256);
+}
+
+bool Marlo::NumbersTyped() const {
+  return state::IsNumeric(txtValTreshold.Text()) && state::IsNumeric(txtDelay.Text());
+}
+
+unsigned Marlo::ParityCode() const {
+  if (checkParity.Value() == 0) return 0;
+  return OptionEven.Value() ? kParityEven : kParityOdd;
+}
+
+Word Marlo::OptionsShown() const {
+  unsigned options = CheckResetTimeout.Value() != 0 ? kResetTimeout : 0;
+  if (CheckFailLed.Value() != 0) options |= kFailLed;
+  return Word(options | (static_cast<unsigned>(ComboFailLed.ListIndex()) << 8));
 }
 
 core::Task<> Marlo::WriteFlags(std::optional<std::int32_t> threshold) {
-  unsigned options = CheckResetTimeout.Value() != 0 ? kResetTimeout : 0;
-  if (CheckFailLed.Value() != 0) options |= kFailLed;
-  co_await WriteStored(kOptions, static_cast<std::int32_t>(options) | (ComboFailLed.ListIndex() * 256));
+  co_await WriteStored(kOptions, OptionsShown().Unsigned());
   if (!threshold) {
     co_await GetScreen().MsgBox("Val Treshold or Delay fields are  not numeric !", view::Icon::kExclamation);
     co_return;

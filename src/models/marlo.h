@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "pages/baud_list.h"
 #include "pages/device_page.h"
@@ -84,6 +85,9 @@ class Marlo : public pages::DevicePage {
   core::Task<> ReadEEPromFlags() override;
   void MarloEnableControls(bool enabled);
 
+  pages::FileFormat Files() const override {
+    return {.word = "Marlo", .updated = "Marlo", .fields = fields_, .toTheEnd = true};
+  }
   view::Node Arrangement() const override;
 
  protected:
@@ -117,8 +121,17 @@ class Marlo : public pages::DevicePage {
   core::Task<> ReadFlags();
   core::Task<> WriteStored(state::Register target, std::int32_t value);
 
+  unsigned ParityCode() const;
+  state::Word OptionsShown() const;
+  void ShowOptions(state::Word options);
+  bool NumbersTyped() const;
+  std::string StoredThreshold(const std::string& last) const;
+  std::vector<pages::FileField> MakeFields();
+
+  const std::vector<pages::FileField> fields_;
   bool pageRead_ = false;  ///< the settings shown are the module's
-  int lowConf_ = 0;        ///< the low bits of 40011 as they were read; a commit writes 0 there, which is meant
+  /// The low bits of 40011 as they were read. They go to the file; a commit writes 0 there, which is meant.
+  int lowConf_ = 0;
 };
 
 }  // namespace tarvo::models

@@ -56,11 +56,18 @@ constexpr std::array<view::ListRow, 4> kUnits = {{{"Kelvin"}, {"Celsius"}, {"Far
 constexpr std::array<view::ListRow, 3> kDecimals = {{{"0"}, {"1"}, {"2"}}};
 
 constexpr int kLastSensorCode = 3;
-constexpr int kNickel = 3;
+constexpr unsigned kNickel = 3;
+/// Beside a sensor code, of what the value is.
+constexpr unsigned kConversion = 4;
 constexpr unsigned kDumpBits = 0x0007;
 constexpr unsigned kSensorBits = 0x0700;
 constexpr unsigned kNewerSensorBits = 0x0300;
 constexpr unsigned kResistance = 0x0400;
+/// Of a channel in the settings file.
+constexpr unsigned kStoredSensorBits = 0x0007;
+constexpr unsigned kStoredDumpBits = 0x0700;
+constexpr unsigned kNewerStoredDumpBits = 0x0300;
+constexpr unsigned kStoredConversion = 0x0400;
 constexpr unsigned kRangeBits = 0x3000;
 constexpr unsigned kDownScale = 0x4000;
 constexpr unsigned kUnitBits = 0x0007;
@@ -101,7 +108,8 @@ Nerith::Nerith(pages::PageContext& context)
                               "Check to get down-scale on burned sensor.", i);
       }),
       cbUnits(*this, "cbUnits", kUnits, "40040.0-2  Tecnical Units"),
-      cbDecimalNumbers(*this, "cbDecimalNumbers", kDecimals, "40040.3-4  Decimal Digits") {
+      cbDecimalNumbers(*this, "cbDecimalNumbers", kDecimals, "40040.3-4  Decimal Digits"),
+      fields_(MakeFields()) {
   for (int i = 0; i < kChannels; ++i) {
     cbDumpFactor[i].ListIndex = 0;
     cbRangePT100[i].ListIndex = 0;
@@ -109,6 +117,23 @@ Nerith::Nerith(pages::PageContext& context)
   }
   cbUnits.ListIndex = 0;
   cbDecimalNumbers.ListIndex = 0;
+}
+
+std::vector<pages::FileField> Nerith::MakeFields() {
+  std::vector<pages::FileField> fields;
+  fields.push_back({[this] { return std::to_string(SerialShown().Unsigned()); },
+                    [this](const std::string& text) { ShowSerial(state::LowWord(text)); }});
+  fields.push_back({[this] { return std::to_string(SystemShown()); },
+                    [this](const std::string& text) { ShowStoredSystem(state::LowWord(text)); }});
+  for (int i = 0; i < kChannels; ++i) {
+    const std::size_t number = fields.size() + 1;
+    // A channel that the module lacks is not renewed: its field repeats what it held last, which is meant.
+    fields.push_back({[this, i, number] { return i < channels_ ? StoredChannel(i) : State().FileFields.at(number); },
+                      [this, i](const std::string& text) {
+                        if (i < channels_) ShowStoredChannel(i, state::LowWord(text));
+                      }});
+  }
+  return fields;
 }
 
 // What Start, the poll and the search do.
@@ -179,16 +204,35 @@ void Nerith::ShowSystem(Word system) {
   cbDecimalNumbers.ListIndex = decimals_;
 }
 
+void Nerith::ShowStoredSystem(Word system) {
+  const int units = system.And(kUnitBits).Low();
+  if (units < static_cast<int>(kUnits.size())) cbUnits.ListIndex = units;
+  const int decimals = system.And(kDecimalBits).Low() >> 3;
+  if (decimals < static_cast<int>(kDecimals.size())) cbDecimalNumbers.ListIndex = decimals;
+  chkDINCoefficients.Value = system.Has(kDin) ? 1 : 0;
+}
+
+/// The bytes change places between the file and the module's register. The box is read where the dump factor has its
+/// highest bit, and written elsewhere: that is meant.
+void Nerith::ShowStoredChannel(int channel, Word stored) {
+  const int code = stored.And(kStoredSensorBits).Low();
+  cbSensorType[channel].ListIndex = IndexOfCode(code);
+  cbDumpFactor[channel].ListIndex = stored.And(Newer() ? kNewerStoredDumpBits : kStoredDumpBits).High();
+  if (Newer()) chkConv[channel].Value = stored.Has(kStoredConversion) ? 1 : 0;
+}
+
+/// The position of a sensor code in the list; one above 3 is the first entry's.
+int Nerith::IndexOfCode(int code) const {
+  if (code > kLastSensorCode) return 0;
+  if (!Newer()) return code;
+  return code == static_cast<int>(kNickel) ? 1 : 0;
+}
+
 void Nerith::ShowSensor(int channel, Word word) {
   const int code = word.And(Newer() ? kNewerSensorBits : kSensorBits).High();
-  cbSensorType[channel].ListIndex = 0;
+  cbSensorType[channel].ListIndex = IndexOfCode(code);
   cbDumpFactor[channel].ListIndex = word.And(kDumpBits).Low();
-  if (code > kLastSensorCode) return;
-  if (!Newer()) {
-    cbSensorType[channel].ListIndex = code;
-    return;
-  }
-  cbSensorType[channel].ListIndex = code == kNickel ? 1 : 0;
+  if (code > kLastSensorCode || !Newer()) return;
   chkConv[channel].Value = word.Has(kResistance) ? 0 : 1;
   // The first reading may find the box as it stands.
   HeadValue(channel);
@@ -224,23 +268,36 @@ std::vector<RtdPage::Setting> Nerith::Configuration() {
   std::vector<Setting> settings;
   settings.reserve(2 + 2 * kChannels);
   decimals_ = cbDecimalNumbers.ListIndex();
-  const unsigned system =
-      IndexOf(cbUnits) | (IndexOf(cbDecimalNumbers) * 8) | (chkDINCoefficients.Value() != 0 ? kDin : 0);
-  settings.push_back({kSystem, Word(system).And(0xFF)});
+  settings.push_back({kSystem, Word(SystemShown())});
   for (int i = 0; i < channels_; ++i) {
-    unsigned sensor = IndexOf(cbSensorType[i]);
-    if (Newer()) {
-      if (sensor == 1) sensor = kNickel;
-      if (chkConv[i].Value() == 0) sensor |= 4;
-    }
+    unsigned sensor = SensorCode(i);
+    if (Newer() && chkConv[i].Value() == 0) sensor |= kConversion;
     settings.push_back({SensorOf(i), Word(sensor * 0x100 | IndexOf(cbDumpFactor[i]))});
     const unsigned range = std::min(IndexOf(cbRangePT100[i]), static_cast<unsigned>(kRanges.size()) - 1);
     settings.push_back({RangeOf(i), Word(range * 0x1000 | (chkBurnedSensor[i].Value() != 0 ? kDownScale : 0))});
   }
-  const auto baud = static_cast<unsigned>(cbBaudRate.SelectedCode());
-  const unsigned serial = (baud * 4 | ParityCode()) * 0x100;
-  settings.push_back({kSerial, state::ToWord(labModuleAddress.Caption()).Or(serial)});
+  settings.push_back({kSerial, SerialShown()});
   return settings;
+}
+
+unsigned Nerith::SystemShown() const {
+  const unsigned din = chkDINCoefficients.Value() != 0 ? kDin : 0;
+  return (IndexOf(cbUnits) | (IndexOf(cbDecimalNumbers) * 8) | din) & 0xFF;
+}
+
+Word Nerith::SerialShown() const {
+  const auto baud = static_cast<unsigned>(cbBaudRate.SelectedCode());
+  return state::ToWord(labModuleAddress.Caption()).Or((baud * 4 | ParityCode()) * 0x100);
+}
+
+unsigned Nerith::SensorCode(int channel) const {
+  const unsigned position = IndexOf(cbSensorType[channel]);
+  return Newer() && position == 1 ? kNickel : position;
+}
+
+std::string Nerith::StoredChannel(int channel) const {
+  const unsigned conversion = Newer() && chkConv[channel].Value() != 0 ? kConversion : 0;
+  return std::to_string(SensorCode(channel) | conversion | IndexOf(cbDumpFactor[channel]) * 0x100);
 }
 
 void Nerith::EnableChannel(int channel, bool enabled) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <vector>
 
 #include "models/rtd_page.h"
@@ -44,6 +45,9 @@ class Nerith : public RtdPage {
   /// The first entry of each list, and four channels. No flow calls it.
   void ResetForm();
 
+  pages::FileFormat Files() const override {
+    return {.word = "Nerith", .updated = "Nerith", .fields = fields_, .toTheEnd = true};
+  }
   view::Node Arrangement() const override;
 
  protected:
@@ -64,7 +68,16 @@ class Nerith : public RtdPage {
   void ShowRange(int channel, state::Word word);
   void HeadValue(int channel);
   bool Newer() const;
+  unsigned SystemShown() const;
+  state::Word SerialShown() const;
+  unsigned SensorCode(int channel) const;
+  int IndexOfCode(int code) const;
+  std::string StoredChannel(int channel) const;
+  void ShowStoredSystem(state::Word system);
+  void ShowStoredChannel(int channel, state::Word stored);
+  std::vector<pages::FileField> MakeFields();
 
+  const std::vector<pages::FileField> fields_;
   int firmware_ = 0;
   int decimals_ = 0;  ///< digits that the values have, 0 to 2
 };

@@ -96,7 +96,8 @@ Quenby::Quenby(pages::PageContext& context, pages::DlgSetNewValue& newValue)
           {cbStartScale[2], 0x0400},
           {cbFullScale[0], 0x0800},
       }}),
-      images_(MakeImages()) {
+      images_(MakeImages()),
+      fields_(MakeFields()) {
   BindFlags(flags_);
   BindParity(checkParity, OptionEven, OptionOdd, kFlags);
   for (const Scale& scale : scales_) {
@@ -125,6 +126,22 @@ std::vector<pages::ImageWrite> Quenby::MakeImages() {
     images.push_back({kOutput1 + i + kToImage, [this, i] { return state::ToWord(txtVal[i].Text()); }});
   }
   return images;
+}
+
+std::vector<pages::FileField> Quenby::MakeFields() {
+  std::vector<pages::FileField> fields;
+  fields.push_back({[this] { return std::to_string(ReadFlagsFromForm().Unsigned()); },
+                    [this](const std::string& text) { ReadFlagsAndSetForm(state::LowWord(text)); }});
+  for (view::TextBox& value : txtVal) {
+    fields.push_back({[&value] { return value.Text(); }, [&value](const std::string& text) { value.Text = text; }});
+  }
+  // Read back with four bits of the address only: module 17 becomes module 1, which is meant.
+  fields.push_back({AddressField(labAddress, cbBaud).write, [this](const std::string& text) {
+                      const Word stored = state::LowWord(text);
+                      pages::ShowAddressWord(stored.And(pages::kThreeCodeBits | 0x000F), labAddress, cbBaud);
+                    }});
+  fields.push_back(TextField(labTimeout));
+  return fields;
 }
 
 // What Start, the poll and the search do.
@@ -167,10 +184,7 @@ core::Task<> Quenby::ShowRegisters() {
   const std::optional<Word> safeTime = co_await ReadOne(kSafeTime);
   if (safeTime) labTimeout.Caption = std::to_string(safeTime->Unsigned());
   const std::optional<Word> address = co_await ReadOne(kAddress);
-  if (address) {
-    labAddress.Caption = std::to_string(address->Low());
-    cbBaud.SelectCode(address->High());
-  }
+  if (address) pages::ShowAddressWord(*address, labAddress, cbBaud, pages::kWholeHighByte);
   for (int i = 0; i < kOutputs; ++i) {
     const std::optional<Word> output = co_await ReadOne(kOutput1 + i);
     if (output) ShowOutput(i, *output);

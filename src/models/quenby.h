@@ -55,6 +55,9 @@ class Quenby : public pages::DevicePage {
   core::Task<> Activate() override;
   core::Task<> ReadEEPromFlags() override;
 
+  pages::FileFormat Files() const override {
+    return {.word = "Quenby", .updated = "Quenby", .fields = fields_, .toTheEnd = true};
+  }
   view::Node Arrangement() const override;
 
  protected:
@@ -83,11 +86,13 @@ class Quenby : public pages::DevicePage {
   core::Task<> TestDefault(int output);
   core::Task<std::string> Tested(std::string text);
   std::vector<pages::ImageWrite> MakeImages();
+  std::vector<pages::FileField> MakeFields();
 
   pages::DlgSetNewValue& newValue_;
   const std::array<pages::Flag, 4> flags_;
   const std::array<Scale, 4> scales_;
   const std::vector<pages::ImageWrite> images_;
+  const std::vector<pages::FileField> fields_;
 };
 
 }  // namespace tarvo::models

@@ -10,9 +10,9 @@ state::Word AddressWord(const view::Label& address, const view::ComboBox& baud) 
   return state::ToWord(address.Caption()).Or(static_cast<unsigned>(baud.SelectedCode()) << 8);
 }
 
-void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud) {
+void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud, unsigned codeBits) {
   address.Caption = std::to_string(word.Low());
-  baud.SelectCode(word.And(0x0700).High());
+  baud.SelectCode(word.And(codeBits).High());
 }
 
 void ShowRates(view::ComboBox& combo, bool seven) {

@@ -17,9 +17,13 @@ inline constexpr std::array<view::ListRow, 7> kSevenRates = {
 /// The address word: the address that `address` shows, and the selected baud code in the high byte.
 state::Word AddressWord(const view::Label& address, const view::ComboBox& baud);
 
-/// Shows an address word: its low byte in `address`, and in `baud` the entry whose code stands in bits 8 to 10. When
-/// no entry has the code, the selection stays.
-void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud);
+/// Which bits of an address word are the baud code. Pages differ in it.
+inline constexpr unsigned kThreeCodeBits = 0x0700;
+inline constexpr unsigned kWholeHighByte = 0xFF00;
+
+/// Shows an address word: its low byte in `address`, and in `baud` the entry whose code stands in the bits of
+/// `codeBits`. When no entry has the code, the selection stays.
+void ShowAddressWord(state::Word word, view::Label& address, view::ComboBox& baud, unsigned codeBits = kThreeCodeBits);
 
 /// Makes the list the seven rates, or the five. With seven the selected code stays; with five the selected position
 /// while it exists, else the selected code.

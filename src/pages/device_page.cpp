@@ -450,8 +450,12 @@ void DevicePage::EnableParity(bool enabled) {
   parity_.odd->Enabled = changeable;
 }
 
-void DevicePage::ShowFlags(Word flags) {
+void DevicePage::ShowBoxes(Word flags) {
   for (const Flag& flag : flags_) flag.box.Value = flags.Has(flag.setMask) ? 1 : 0;
+}
+
+void DevicePage::ShowFlags(Word flags) {
+  ShowBoxes(flags);
   FlagsShowing(flags);
   if (parity_.on == nullptr) return;
   // Said again whatever the box showed before: the flag overrules what the firmware's release has disabled.
@@ -560,13 +564,13 @@ void DevicePage::KeyDown(view::Key key) {
 
 // Settings files.
 
-void DevicePage::GatherFields() {
+void DevicePage::ReadAllDataFromForm() {
   std::size_t number = 0;
   for (const FileField& field : Files().fields) State().FileFields.at(++number) = field.write();
 }
 
 core::Task<> DevicePage::LoadFields() {
-  block_ = identity_.poll;
+  PaintAs(identity_.poll);
   const FileFormat format = Files();
   FieldsComing();
   for (std::size_t i = 0; format.copied && i < format.fields.size(); ++i) {
@@ -578,7 +582,10 @@ core::Task<> DevicePage::LoadFields() {
     }
   }
   std::size_t number = 0;
-  for (const FileField& field : format.fields) field.read(State().FileFields.at(++number));
+  for (const FileField& field : format.fields) {
+    const std::string& text = State().FileFields.at(++number);
+    if (field.read) field.read(text);
+  }
   co_await SetupFormFromFile();
 }
 
@@ -595,9 +602,11 @@ FileField DevicePage::PositionField(view::ComboBox& list) {
           [&list](const std::string& text) { list.ListIndex = state::ToInteger(text); }};
 }
 
-FileField DevicePage::AddressField(view::Label& address, view::ComboBox& baud) {
+FileField DevicePage::AddressField(view::Label& address, view::ComboBox& baud, unsigned codeBits) {
   return {[&address, &baud] { return std::to_string(AddressWord(address, baud).Unsigned()); },
-          [&address, &baud](const std::string& text) { ShowAddressWord(state::LowWord(text), address, baud); }};
+          [&address, &baud, codeBits](const std::string& text) {
+            ShowAddressWord(state::LowWord(text), address, baud, codeBits);
+          }};
 }
 
 std::function<void(const std::string&)> DevicePage::ToCopy(Register target) {

@@ -9,6 +9,7 @@
 
 #include "bus/modcom/modcom.h"
 #include "core/task.h"
+#include "pages/baud_list.h"
 #include "pages/page_context.h"
 #include "state/word.h"
 #include "view/window.h"
@@ -93,10 +94,10 @@ struct ImageWrite {
 };
 
 /// A field of the page's settings file: what Save writes, and what Load does with the text it has read. The two need
-/// not agree.
+/// not agree. One without `read` is taken by the page's `SetupFormFromFile`.
 struct FileField {
   std::function<std::string()> write;
-  std::function<void(const std::string& text)> read;
+  std::function<void(const std::string& text)> read = {};
 };
 
 /// The page's settings file; no word, no file.
@@ -143,7 +144,7 @@ class DevicePage : public view::Window {
   /// The page's settings file.
   virtual FileFormat Files() const { return {}; }
   /// Puts what Save writes into `FileFields`.
-  void GatherFields();
+  void ReadAllDataFromForm();
   /// Puts `FileFields` into the view and the page's copies. Throws "Type mismatch" or "Overflow" where a number is
   /// none.
   core::Task<> LoadFields();
@@ -206,6 +207,8 @@ class DevicePage : public view::Window {
   bool InSession() const { return context_.state.StartComm == state::kTrue; }
   int RunKind() const { return context_.state.RunKind; }
   PageContext& Context() { return context_; }
+  /// From now on `PollBuffer` holds the registers of `block`, though nothing was polled.
+  void PaintAs(const PollBlock& block) { block_ = block; }
   /// The latest word of `source`, a register of the block that is polled now.
   state::Word Polled(state::Register source) const;
   /// The page's copy of `source`, a register of its first block: what was polled, or changed since without a session.
@@ -233,6 +236,8 @@ class DevicePage : public view::Window {
   /// Makes `on`, a box of the flags, enable the options, and a click on an option change bit 4 of `target`. Until
   /// something was read parity is even and off.
   void BindParity(view::CheckBox& on, view::OptionButton& even, view::OptionButton& odd, state::Register target);
+  /// Shows the flags in the boxes alone.
+  void ShowBoxes(state::Word flags);
   /// Shows the flags register in the boxes and options that are bound.
   void ShowFlags(state::Word flags);
   /// The flags register as the boxes and options show it; all other bits are clear.
@@ -250,8 +255,8 @@ class DevicePage : public view::Window {
   FileField TextField(view::Label& value);
   /// A position in a list.
   FileField PositionField(view::ComboBox& list);
-  /// The address word: the address and the selected baud code.
-  FileField AddressField(view::Label& address, view::ComboBox& baud);
+  /// The address word: the address and the selected baud code, which Load takes from `codeBits`.
+  FileField AddressField(view::Label& address, view::ComboBox& baud, unsigned codeBits = kThreeCodeBits);
   /// Makes Load put the field into the page's copy of `target`.
   std::function<void(const std::string&)> ToCopy(state::Register target);
   /// Makes Save write the page's copy of `source`.

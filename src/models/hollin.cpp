@@ -27,7 +27,7 @@ constexpr pages::PageIdentity kIdentity = {
 };
 
 constexpr PlcTips kTips = {
-    .checks = {},
+    .checks = {"40003.1 - Speed Up Acquisition"},
     .scaled = "Scaled Input",
     .raw = "Real Input",
     .bitOrder = "Reversed Bit Order",

@@ -24,12 +24,12 @@ class Hollin : public PlcPage<AnalogInputs> {
   view::Node Arrangement() const override;
 
  protected:
-  void FlagsShowing(state::Word flags) override { ShowPlcFlags(flags); }
   std::span<const pages::ImageWrite> ImageWrites() const override { return images_; }
   void Starting() override { HollinEnableInterface(true); }
   void Started() override { HollinEnableControls(0); }
   void Stopped() override;
   bool MayStop() const override;
+  bool DeedsLocked() const override { return InSession(); }
   core::Task<> SetupFormFromFile() override;
 
  private:

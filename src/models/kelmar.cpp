@@ -43,12 +43,14 @@ constexpr PlcTips kTips = {
 
 constexpr int kDisplayOn = -1;
 
+/// What a choice of scaled leaves as the flags last polled.
+constexpr unsigned kFlagsOfScaled = 239;
+
 }  // namespace
 
 Kelmar::Kelmar(pages::PageContext& context, calibration::DlgCalForm& calibration)
     : PlcPage(context, kIdentity, kTips, kTexts, calibration),
-      // Raw or scaled is not in it, which is meant.
-      images_(InputImages([this] { return FlagsShown(); })),
+      images_(InputImages([this] { return ReadFlagsFromForm(); })),
       fields_(MakeFields()) {
   Option1.OnClick = [this] { return ScaledClick(); };
   Option2.OnClick = [this] { return RawClick(); };
@@ -56,8 +58,7 @@ Kelmar::Kelmar(pages::PageContext& context, calibration::DlgCalForm& calibration
 
 std::vector<pages::FileField> Kelmar::MakeFields() {
   std::vector<pages::FileField> fields;
-  // Nor in the file.
-  fields.push_back({[this] { return std::to_string(FlagsShown().Unsigned()); },
+  fields.push_back({[this] { return std::to_string(ReadFlagsFromForm().Unsigned()); },
                     [this](const std::string& text) { ShowBoxes(state::LowWord(text)); }});
   for (view::ComboBox& type : InputType) fields.push_back(PositionField(type));
   for (view::ComboBox& filter : Filter) fields.push_back(PositionField(filter));
@@ -103,6 +104,11 @@ void Kelmar::CleanKelmar() {
   for (view::Label& value : Value) value.Caption = "0";
 }
 
+/// Raw or scaled is not in it, neither in a commit nor in a file: that is meant.
+Word Kelmar::ReadFlagsFromForm() const {
+  return FlagsShown();
+}
+
 // What the user does.
 
 core::Task<> Kelmar::RawClick() {
@@ -113,7 +119,7 @@ core::Task<> Kelmar::RawClick() {
 /// Takes effect with a commit only. What it stores the next poll overwrites: both are meant.
 core::Task<> Kelmar::ScaledClick() {
   ShowRaw(false);
-  State().PollBuffer[1] = Word(239);
+  Copy(kFlags) = Word(kFlagsOfScaled);
   co_return;
 }
 

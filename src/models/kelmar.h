@@ -30,12 +30,12 @@ class Kelmar : public PlcPage<ThermocoupleInputs> {
 
  protected:
   core::Task<> ApplyFirmware(int release) override;
-  void FlagsShowing(state::Word flags) override { ShowPlcFlags(flags); }
   std::span<const pages::ImageWrite> ImageWrites() const override { return images_; }
   void Starting() override;
   void Stopped() override { EnableInputs(1); }
 
  private:
+  state::Word ReadFlagsFromForm() const;
   core::Task<> RawClick();
   core::Task<> ScaledClick();
 

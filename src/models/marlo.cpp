@@ -356,8 +356,7 @@ view::ControlArray<view::Lamp, Marlo::kCount>* Marlo::RowOf(Register source) {
 // What the user does.
 
 core::Task<> Marlo::OutputClick(int output) {
-  // Outside a session an open port is that of another gesture or of a reading under way.
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(GetScreen());
   view::ImageBox& button = buttOUTMarlo[output];
   button.Enabled = false;
@@ -393,16 +392,14 @@ core::Task<> Marlo::LampClick(const ClickRow& row, int lamp) {
     GetScreen().Beep();
     co_return;
   }
-  if (ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(GetScreen());
-  SetupModcomOCX();
-  const core::Status opened = OpenPort();
-  if (!opened.Ok() && row.setsToo) {
-    const std::string text = "ERROR " + opened.Description();
+  const PortVisit visit(*this);
+  if (!visit.Opened().Ok() && row.setsToo) {
+    const std::string text = "ERROR " + visit.Opened().Description();
     co_await GetScreen().MsgBox(text, view::Icon::kExclamation);
     co_return;
   }
-  const PortClose closes(*this);
   co_await ChangeLamp(row, lamp);
 }
 
@@ -444,7 +441,7 @@ core::Task<> Marlo::Normalise(view::TextBox& text, const char* complaint) {
 
 /// In a session too it closes the port at its end, and the polling stays off: that is meant.
 core::Task<> Marlo::WEEPMarloClick() {
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(GetScreen());
   const DeedPause deeds(*this);
   std::optional<PollPause> pause;
@@ -452,16 +449,13 @@ core::Task<> Marlo::WEEPMarloClick() {
     pause.emplace(*this);
     pause->LeaveOff();
   }
-  if (!ModCom1.PortOpen()) {
-    SetupModcomOCX();
-    (void)OpenPort();
-  }
+  PortVisit visit(*this);
   const int session = Session();
   const Word identity(static_cast<unsigned>(co_await bus::ReadRegister(ModCom1, "40001"_reg)));
   // A Stop meanwhile has ended all.
   if (session != Session()) co_return;
   if (IsOurs(identity)) {
-    const PortClose closes(*this);
+    visit.CloseAnyway();
     co_await Commit();
   } else {
     co_await SayWrongModule();

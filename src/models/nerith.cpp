@@ -59,6 +59,11 @@ constexpr int kLastSensorCode = 3;
 constexpr unsigned kNickel = 3;
 /// Beside a sensor code, of what the value is.
 constexpr unsigned kConversion = 4;
+/// Of the serial settings.
+constexpr unsigned kParityUnit = 0x0100;
+constexpr unsigned kParityBits = 0x0300;
+constexpr unsigned kBaudBits = 0x1C00;
+constexpr unsigned kBaudUnit = 0x0400;
 constexpr unsigned kDumpBits = 0x0007;
 constexpr unsigned kSensorBits = 0x0700;
 constexpr unsigned kNewerSensorBits = 0x0300;
@@ -66,16 +71,25 @@ constexpr unsigned kResistance = 0x0400;
 /// Of a channel in the settings file.
 constexpr unsigned kStoredSensorBits = 0x0007;
 constexpr unsigned kStoredDumpBits = 0x0700;
+constexpr unsigned kStoredDumpUnit = 0x0100;
 constexpr unsigned kNewerStoredDumpBits = 0x0300;
 constexpr unsigned kStoredConversion = 0x0400;
+constexpr unsigned kSensorUnit = 0x0100;
 constexpr unsigned kRangeBits = 0x3000;
+constexpr unsigned kRangeUnit = 0x1000;
 constexpr unsigned kDownScale = 0x4000;
 constexpr unsigned kUnitBits = 0x0007;
 constexpr unsigned kDecimalBits = 0x0018;
+constexpr unsigned kDecimalUnit = 0x0008;
 constexpr unsigned kDin = 0x0020;
 
 constexpr unsigned kFirstChannelFail = 0x01;
 constexpr unsigned kFirstSensorFail = 0x10;
+
+/// The number that stands in the bits of `mask`, the lowest of which counts `unit`.
+int FieldOf(Word word, unsigned mask, unsigned unit) {
+  return word.And(mask).Unsigned() / static_cast<int>(unit);
+}
 
 Register SensorOf(int channel) {
   return Nerith::kChannel1 + channel * Nerith::kChannelStep;
@@ -138,20 +152,29 @@ std::vector<pages::FileField> Nerith::MakeFields() {
 
 // What Start, the poll and the search do.
 
-void Nerith::CheckFWVersion(int identity) {
-  const Word word(static_cast<unsigned>(identity));
-  firmware_ = word.Low();
-  SetFound(word);
-  if (word.High() == kPellor) EnableChannel(kChannels - 1, false);
+void Nerith::CheckFWVersion(Word identity) {
+  firmware_ = identity.Low();
+  TakeChannels(identity);
+  if (HasThreeChannels()) {
+    SayThreeChannels();
+    EnableChannel(kChannels - 1, false);
+  }
   FillSensorTypes(true);
 }
 
 void Nerith::SetFound(Word identity) {
-  const bool pellor = identity.High() == kPellor;
-  channels_ = pellor ? kChannelsOfPellor : kChannels;
-  cbSensorType[kChannels - 1].Enabled = !pellor;
-  cbDumpFactor[kChannels - 1].Enabled = !pellor;
-  if (pellor) Context().status.passing.Text = "Pellor, only 3 channels available";
+  TakeChannels(identity);
+  cbSensorType[kChannels - 1].Enabled = !HasThreeChannels();
+  cbDumpFactor[kChannels - 1].Enabled = !HasThreeChannels();
+  if (HasThreeChannels()) SayThreeChannels();
+}
+
+void Nerith::TakeChannels(Word identity) {
+  channels_ = identity.High() == kPellor ? kChannelsOfPellor : kChannels;
+}
+
+void Nerith::SayThreeChannels() {
+  Context().status.passing.Text = "Pellor, only 3 channels available";
 }
 
 bool Nerith::Newer() const {
@@ -159,16 +182,13 @@ bool Nerith::Newer() const {
 }
 
 void Nerith::Identified(Word identity) {
-  const bool pellor = identity.High() == kPellor;
-  channels_ = pellor ? kChannelsOfPellor : kChannels;
+  TakeChannels(identity);
   Context().status.connection.Text =
-      pages::ConnectionLine(pellor ? "Connected to  Pellor , " : "Connected to  Nerith , ", ModCom1);
+      pages::ConnectionLine(HasThreeChannels() ? "Connected to  Pellor , " : "Connected to  Nerith , ", ModCom1);
   firmware_ = identity.Low();
-  if (listsReady_) return;
-  FillSensorTypes(Newer());
+  if (!listsReady_) FillSensorTypes(Newer());
   listsReady_ = true;
-  if (Newer()) return;
-  for (view::CheckBox& conversion : chkConv) conversion.Visible = false;
+  for (int i = 0; !Newer() && i < kChannels; ++i) chkConv[i].Visible = false;
 }
 
 void Nerith::FillSensorTypes(bool newer) {
@@ -193,21 +213,21 @@ core::Task<> Nerith::ShowConfiguration(std::optional<Word> serial) {
 
 void Nerith::ShowSerial(Word serial) {
   labModuleAddress.Caption = std::to_string(serial.Low());
-  cbBaudRate.SelectCode(serial.High() >> 2 & 7);
-  ShowParity(static_cast<unsigned>(serial.High()) & 3U);
+  cbBaudRate.SelectCode(FieldOf(serial, kBaudBits, kBaudUnit));
+  ShowParity(static_cast<unsigned>(FieldOf(serial, kParityBits, kParityUnit)));
 }
 
 void Nerith::ShowSystem(Word system) {
   chkDINCoefficients.Value = system.Has(kDin) ? 1 : 0;
   cbUnits.ListIndex = system.And(kUnitBits).Low();
-  decimals_ = system.And(kDecimalBits).Low() >> 3;
+  decimals_ = FieldOf(system, kDecimalBits, kDecimalUnit);
   cbDecimalNumbers.ListIndex = decimals_;
 }
 
 void Nerith::ShowStoredSystem(Word system) {
   const int units = system.And(kUnitBits).Low();
   if (units < static_cast<int>(kUnits.size())) cbUnits.ListIndex = units;
-  const int decimals = system.And(kDecimalBits).Low() >> 3;
+  const int decimals = FieldOf(system, kDecimalBits, kDecimalUnit);
   if (decimals < static_cast<int>(kDecimals.size())) cbDecimalNumbers.ListIndex = decimals;
   chkDINCoefficients.Value = system.Has(kDin) ? 1 : 0;
 }
@@ -244,7 +264,7 @@ void Nerith::HeadValue(int channel) {
 }
 
 void Nerith::ShowRange(int channel, Word word) {
-  const int range = word.And(kRangeBits).High() >> 4;
+  const int range = FieldOf(word, kRangeBits, kRangeUnit);
   cbRangePT100[channel].ListIndex = std::min(range, static_cast<int>(kRanges.size()) - 1);
   chkBurnedSensor[channel].Value = word.Has(kDownScale) ? 1 : 0;
 }
@@ -272,9 +292,9 @@ std::vector<RtdPage::Setting> Nerith::Configuration() {
   for (int i = 0; i < channels_; ++i) {
     unsigned sensor = SensorCode(i);
     if (Newer() && chkConv[i].Value() == 0) sensor |= kConversion;
-    settings.push_back({SensorOf(i), Word(sensor * 0x100 | IndexOf(cbDumpFactor[i]))});
+    settings.push_back({SensorOf(i), Word(sensor * kSensorUnit | IndexOf(cbDumpFactor[i]))});
     const unsigned range = std::min(IndexOf(cbRangePT100[i]), static_cast<unsigned>(kRanges.size()) - 1);
-    settings.push_back({RangeOf(i), Word(range * 0x1000 | (chkBurnedSensor[i].Value() != 0 ? kDownScale : 0))});
+    settings.push_back({RangeOf(i), Word(range * kRangeUnit | (chkBurnedSensor[i].Value() != 0 ? kDownScale : 0))});
   }
   settings.push_back({kSerial, SerialShown()});
   return settings;
@@ -282,12 +302,12 @@ std::vector<RtdPage::Setting> Nerith::Configuration() {
 
 unsigned Nerith::SystemShown() const {
   const unsigned din = chkDINCoefficients.Value() != 0 ? kDin : 0;
-  return (IndexOf(cbUnits) | (IndexOf(cbDecimalNumbers) * 8) | din) & 0xFF;
+  return (IndexOf(cbUnits) | (IndexOf(cbDecimalNumbers) * kDecimalUnit) | din) & 0xFF;
 }
 
 Word Nerith::SerialShown() const {
   const auto baud = static_cast<unsigned>(cbBaudRate.SelectedCode());
-  return state::ToWord(labModuleAddress.Caption()).Or((baud * 4 | ParityCode()) * 0x100);
+  return state::ToWord(labModuleAddress.Caption()).Or(baud * kBaudUnit | ParityCode() * kParityUnit);
 }
 
 unsigned Nerith::SensorCode(int channel) const {
@@ -297,7 +317,7 @@ unsigned Nerith::SensorCode(int channel) const {
 
 std::string Nerith::StoredChannel(int channel) const {
   const unsigned conversion = Newer() && chkConv[channel].Value() != 0 ? kConversion : 0;
-  return std::to_string(SensorCode(channel) | conversion | IndexOf(cbDumpFactor[channel]) * 0x100);
+  return std::to_string(SensorCode(channel) | conversion | IndexOf(cbDumpFactor[channel]) * kStoredDumpUnit);
 }
 
 void Nerith::EnableChannel(int channel, bool enabled) {
@@ -315,14 +335,10 @@ void Nerith::EnableSettings(int channel, bool enabled) {
   cbRangePT100[channel].Enabled = enabled;
 }
 
-void Nerith::ResetForm() {
-  channels_ = kChannels;
-  const std::array<view::ComboBox*, 3> lists = {&cbBaudRate, &cbDecimalNumbers, &cbUnits};
-  for (view::ComboBox* list : lists) list->ListIndex = 0;
-  for (int i = 0; i < kChannels; ++i) {
-    cbDumpFactor[i].ListIndex = 0;
-    cbSensorType[i].ListIndex = 0;
-  }
+void Nerith::ResetLists() {
+  cbDecimalNumbers.ListIndex = 0;
+  cbUnits.ListIndex = 0;
+  for (view::ComboBox& dumpFactor : cbDumpFactor) dumpFactor.ListIndex = 0;
 }
 
 // How it looks.
@@ -340,7 +356,7 @@ view::Node Nerith::Arrangement() const {
                 view::Column({
                     view::Field("Sensor Type", view::Show(cbSensorType[i])),
                     view::Field("Dump Factor", view::Show(cbDumpFactor[i])),
-                    view::Field("Range", view::Show(cbRangePT100[i])),
+                    view::Field(labRange[i].Caption(), view::Show(cbRangePT100[i])),
                 }),
                 view::Column({view::Show(chkConv[i]), view::Show(chkBurnedSensor[i])}),
             }),

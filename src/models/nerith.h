@@ -38,12 +38,11 @@ class Nerith : public RtdPage {
   view::CheckBox chkDINCoefficients{*this, "chkDINCoefficients", "DIN Coefficients",
                                     "Use DIN coefficients instead of ANSI coefficients."};
 
-  /// `identity` is the whole word of register 40001. No flow calls it.
-  void CheckFWVersion(int identity) override;
+  using DevicePage::CheckFWVersion;
+  /// Takes the whole word of register 40001. No flow calls it.
+  void CheckFWVersion(state::Word identity);
   /// What the search does before it shows the page of a module that it has found.
   void SetFound(state::Word identity);
-  /// The first entry of each list, and four channels. No flow calls it.
-  void ResetForm();
 
   pages::FileFormat Files() const override {
     return {.word = "Nerith", .updated = "Nerith", .fields = fields_, .toTheEnd = true};
@@ -54,12 +53,16 @@ class Nerith : public RtdPage {
   core::Task<> ManageContinue() override;
   void EnableSettings(int channel, bool enabled) override;
   void Identified(state::Word identity) override;
-  const char* NotThisModel() const override { return "This is not a Pellor or Nerith"; }
+  const char* WrongModuleText() const override { return "This is not a Pellor or Nerith"; }
   core::Task<> ShowConfiguration(std::optional<state::Word> serial) override;
   std::vector<Setting> Configuration() override;
+  void ResetLists() override;
 
  private:
   void ManageNerith();
+  void TakeChannels(state::Word identity);
+  bool HasThreeChannels() const { return channels_ < kChannels; }
+  void SayThreeChannels();
   void FillSensorTypes(bool newer);
   void EnableChannel(int channel, bool enabled);
   void ShowSerial(state::Word serial);

@@ -76,8 +76,8 @@ Oswin::Oswin(pages::PageContext& context)
 
 // What Start and the poll do.
 
-void Oswin::CheckFWVersion(int identity) {
-  firmware_ = Word(static_cast<unsigned>(identity)).Low();
+void Oswin::CheckFWVersion(Word identity) {
+  firmware_ = identity.Low();
   channels_ = kChannels;
   FillLists();
 }
@@ -177,6 +177,13 @@ void Oswin::EnableSettings(int channel, bool enabled) {
   const std::array<view::Control*, 5> settings = {&cbSensorType[channel], &cbFilter[channel], &cbUnits[channel],
                                                   &chkComp[channel], &chkRejection[channel]};
   for (view::Control* setting : settings) setting->Enabled = enabled;
+}
+
+void Oswin::ResetLists() {
+  for (int i = 0; i < kChannels; ++i) {
+    cbFilter[i].ListIndex = 0;
+    cbUnits[i].ListIndex = 0;
+  }
 }
 
 // How it looks.

@@ -27,8 +27,9 @@ class Oswin : public RtdPage {
   view::ControlArray<view::CheckBox, kChannels> chkComp;
   view::ControlArray<view::CheckBox, kChannels> chkRejection;
 
-  /// `identity` is the whole word of register 40001. No flow calls it.
-  void CheckFWVersion(int identity) override;
+  using DevicePage::CheckFWVersion;
+  /// Takes the whole word of register 40001. No flow calls it.
+  void CheckFWVersion(state::Word identity);
   core::Task<> Poll() override;
 
   view::Node Arrangement() const override;
@@ -37,9 +38,10 @@ class Oswin : public RtdPage {
   core::Task<> ManageContinue() override;
   void EnableSettings(int channel, bool enabled) override;
   void Identified(state::Word identity) override;
-  const char* NotThisModel() const override { return "This is not a Oswin"; }
+  const char* WrongModuleText() const override { return "This is not a Oswin"; }
   core::Task<> ShowConfiguration(std::optional<state::Word> serial) override;
   std::vector<Setting> Configuration() override;
+  void ResetLists() override;
 
  private:
   void ManageOswin();
@@ -47,7 +49,7 @@ class Oswin : public RtdPage {
   void FillLists();
   void ShowChannel(int channel, state::Word word);
 
-  int firmware_ = 0;
+  int firmware_ = 0;  ///< told by the identity; nothing depends on it
 };
 
 }  // namespace tarvo::models

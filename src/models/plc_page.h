@@ -1,9 +1,9 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "pages/device_page.h"
@@ -62,7 +62,7 @@ class PlcPage : public Inputs {
     CheckBitOrder.OnClick = [this] { return BitOrderClick(); };
   }
 
-  void ShowPlcFlags(state::Word flags) { ShowRaw(flags.Has(kRaw)); }
+  void FlagsShowing(state::Word flags) override { ShowRaw(flags.Has(kRaw)); }
 
   /// The two options stand in groups of their own.
   void ShowRaw(bool raw) {

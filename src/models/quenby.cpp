@@ -229,8 +229,7 @@ core::Task<> Quenby::NewValueClick(int output) {
   const std::optional<std::string> asked = co_await newValue_.AskFor(std::move(caption));
   if (!asked || asked->empty()) co_return;
   const std::string value = co_await Tested(*asked);
-  // Without a session an open port is that of another gesture, or of a reading under way.
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   txtValRam[output].Caption = value;
   co_await WriteOutput(output, state::ToWord(value));
 }

@@ -17,8 +17,7 @@ using namespace state::literals;
 
 namespace {
 
-/// `NrFinestra` that both pages leave behind when they come to the front, also the one whose number it is not: that is
-/// meant.
+/// Both pages leave it in `NrFinestra` when they come to the front, Nerith too, whose number is 9: that is meant.
 constexpr int kNumberAfterActivate = 12;
 
 /// Before each write to the EEPROM, milliseconds.
@@ -81,7 +80,7 @@ core::Task<> RtdPage::ReadConfiguration() {
   for (view::Label& value : labTI_RTD) value.Caption = "0";
   const std::optional<Word> identity = co_await ReadOne("40001"_reg);
   if (!identity || !IsOurs(*identity)) {
-    Context().status.connection.Text = NotThisModel();
+    Context().status.connection.Text = WrongModuleText();
     co_return;
   }
   Identified(*identity);
@@ -131,14 +130,12 @@ void RtdPage::EnableOptions(bool enabled) {
 }
 
 core::Task<> RtdPage::WEEPGavenClick() {
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(GetScreen());
   const DeedPause deeds(*this);
   const PortVisit visit(*this);
-  Word identity;
-  co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
-  co_await ModCom1.Free();
-  if (!IsOurs(identity)) {
+  const std::optional<Word> identity = co_await ReadOne("40001"_reg);
+  if (!identity || !IsOurs(*identity)) {
     co_await SayWrongModule();
     co_return;
   }
@@ -169,6 +166,13 @@ void RtdPage::NerithEnableControls(bool enabled) {
   const std::array<view::Control*, 3> others = {&cbBaudRate, &labModuleAddress, &checkParity};
   for (view::Control* other : others) other->Enabled = enabled;
   for (int i = 0; i < channels_; ++i) EnableSettings(i, enabled);
+}
+
+void RtdPage::ResetForm() {
+  channels_ = kChannels;
+  cbBaudRate.ListIndex = 0;
+  for (view::ComboBox& type : cbSensorType) type.ListIndex = 0;
+  ResetLists();
 }
 
 view::Node RtdPage::SerialFields() const {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <array>
-#include <string>
+#include <optional>
 #include <vector>
 
 #include "pages/baud_list.h"
@@ -36,6 +35,8 @@ class RtdPage : public pages::DevicePage {
   void Deactivate() override;
   core::Task<> ReadEEPromFlags() override;
   virtual void NerithEnableControls(bool enabled);
+  /// The first entry of each list, and four channels. No flow calls it.
+  void ResetForm();
 
  protected:
   /// A register of the commit and its value.
@@ -55,10 +56,12 @@ class RtdPage : public pages::DevicePage {
   virtual void EnableSettings(int channel, bool enabled) = 0;
   /// What else the identity tells; fills the lists when that is due.
   virtual void Identified(state::Word identity) = 0;
-  /// Why the module is another: a text for panel 2.
-  virtual const char* NotThisModel() const = 0;
+  /// Says in panel 2 that the module is another.
+  virtual const char* WrongModuleText() const = 0;
   /// Shows the serial settings and all that stands behind them.
   virtual core::Task<> ShowConfiguration(std::optional<state::Word> serial) = 0;
+  /// What `ResetForm` does to the page's own lists.
+  virtual void ResetLists() = 0;
   /// What a commit writes, in this order.
   virtual std::vector<Setting> Configuration() = 0;
 

@@ -138,7 +138,10 @@ void ThermocoupleInputs::SetFullScaleTC(int input, int type) {
 
 core::Task<> ThermocoupleInputs::ManageFirst() {
   for (int i = 0; i < kInputs; ++i) {
-    InputType[i].ListIndex = Polled(kInputType1 + i).Unsigned();
+    const int type = Polled(kInputType1 + i).Unsigned();
+    // Also when the list shows the type already: another page of thermocouples may have changed what all share.
+    SetFullScaleTC(i + 1, type);
+    InputType[i].ListIndex = type;
     Filter[i].ListIndex = Polled(kFilter1 + i).Unsigned();
   }
   ShowFlags(Polled(kFlags));
@@ -163,9 +166,7 @@ core::Task<> ThermocoupleInputs::ManageContinue() {
 
 core::Task<> ThermocoupleInputs::ReadInputType() {
   const view::Hourglass hourglass(GetScreen());
-  SetupModcomOCX();
-  const PortClose closes(*this);
-  if (!ModCom1.PortOpen()) (void)OpenPort();
+  const PortVisit visit(*this);
   for (int i = 0; i < kInputs; ++i) {
     const std::optional<Word> type = co_await ReadOne(kInputType1 + i);
     if (!type) continue;
@@ -196,8 +197,7 @@ void ThermocoupleInputs::EnableInputRows(bool enabled) {
 }
 
 core::Task<> ThermocoupleInputs::CalClick(int input) {
-  // An open port is that of a reading under way, of another click's too.
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const Version version = co_await CheckVersion();
   std::string refusal;
   switch (version) {

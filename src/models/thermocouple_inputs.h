@@ -56,6 +56,7 @@ class ThermocoupleInputs : public pages::DevicePage {
   ThermocoupleInputs(pages::PageContext& context, const pages::PageIdentity& identity, const ThermocoupleTexts& texts,
                      calibration::DlgCalForm& calibration);
 
+  bool DeedsLocked() const override { return InSession(); }
   core::Task<> ManageFirst() override;
   core::Task<> ManageContinue() override;
 

@@ -50,14 +50,15 @@ DevicePage::PortVisit::PortVisit(DevicePage& page) : page_(page) {
   if (page_.visits_ == 0) {
     if (page_.ModCom1.PortOpen()) return;
     page_.SetupModcomOCX();
-    (void)page_.OpenPort();
+    opened_ = page_.OpenPort();
   }
   ++page_.visits_;
   counted_ = true;
 }
 
 DevicePage::PortVisit::~PortVisit() {
-  if (counted_ && --page_.visits_ == 0) page_.ClosePort();
+  const bool last = counted_ && --page_.visits_ == 0;
+  if (last || closesAnyway_) page_.ClosePort();
 }
 
 DevicePage::DeedPause::DeedPause(DevicePage& page) : page_(page) {
@@ -252,8 +253,7 @@ void DevicePage::DisableTimers() {
 // Commit and reset.
 
 core::Task<> DevicePage::WEEPClick() {
-  // Outside a session an open port is that of a Start or of a reading under way.
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(context_.screen);
   const DeedPause deeds(*this);
   if (InSession()) {
@@ -265,10 +265,9 @@ core::Task<> DevicePage::WEEPClick() {
     co_return;
   }
   SetPollBlock(identity_.poll);
-  const bool onModule = co_await OpenOnModule();
-  if (!onModule) co_return;
-  const PortClose closes(*this);
-  co_await Commit();
+  const PortVisit visit(*this);
+  const bool onModule = co_await IsOnModule();
+  if (onModule) co_await Commit();
 }
 
 core::Task<> DevicePage::Commit() {
@@ -299,7 +298,7 @@ core::Task<> DevicePage::Committed() {
 }
 
 core::Task<> DevicePage::ResetClick() {
-  if (!InSession() && ModCom1.PortOpen()) co_return;
+  if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(context_.screen);
   const DeedPause deeds(*this);
   if (InSession()) {
@@ -328,9 +327,9 @@ core::Task<> DevicePage::ResetInSession() {
 }
 
 core::Task<> DevicePage::ResetOutOfSession() {
-  const bool onModule = co_await OpenOnModule();
+  const PortVisit visit(*this);
+  const bool onModule = co_await IsOnModule();
   if (!onModule) co_return;
-  const PortClose closes(*this);
   State().StartComm = state::kFalse;
   co_await ModCom1.WritePLC(*identity_.reset, Word(1));
   StopGears();
@@ -338,20 +337,13 @@ core::Task<> DevicePage::ResetOutOfSession() {
   co_await context_.screen.MsgBox("Module is Resetted!", view::Icon::kInformation);
 }
 
-/// Opens the port outside a session and checks the identity. When it is another's, says so, closes the port and gives
-/// false.
-core::Task<bool> DevicePage::OpenOnModule() {
-  SetupModcomOCX();
-  // A port that does not open shows as an identity that is not read.
-  (void)OpenPort();
-  Word identity;
-  co_await ModCom1.ReadPLC("40001"_reg, identity, 1, bus::kFormat);
-  co_await ModCom1.Free();
-  if (IsOurs(identity)) co_return true;
+/// Checks the identity outside a session. When it is another's, says so and gives false.
+core::Task<bool> DevicePage::IsOnModule() {
+  const std::optional<Word> identity = co_await ReadOne("40001"_reg);
+  if (identity && IsOurs(*identity)) co_return true;
   co_await SayWrongModule();
   State().StartComm = state::kFalse;
   co_await ModCom1.Free();
-  ClosePort();
   co_return false;
 }
 

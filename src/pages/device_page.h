@@ -194,6 +194,8 @@ class DevicePage : public view::Window {
   virtual bool MayStop() const { return true; }
   /// The flags register is being shown: for what is neither a box nor parity.
   virtual void FlagsShowing(state::Word /*flags*/) {}
+  /// The buttons that reach the EEPROM or restart the module stay disabled now.
+  virtual bool DeedsLocked() const { return false; }
   /// The parity options stay disabled whatever the flags say.
   virtual bool ParityLocked() const { return false; }
 
@@ -284,6 +286,8 @@ class DevicePage : public view::Window {
   core::Task<> Commit();
   /// By it a handler sees after a wait that its session, or the page's time outside of one, is over.
   int Session() const { return session_; }
+  /// Outside a session an open port is that of another gesture, of a Start or of a reading under way.
+  bool PortIsTaken() const { return !InSession() && ModCom1.PortOpen(); }
   /// Says that the module is another model's, or that none answers.
   core::Task<> SayWrongModule();
   /// Ends the session, as Stop does.
@@ -312,23 +316,11 @@ class DevicePage : public view::Window {
     explicit DeedPause(DevicePage& page);
     DeedPause(const DeedPause&) = delete;
     DeedPause& operator=(const DeedPause&) = delete;
-    ~DeedPause() { Enable(true); }
+    ~DeedPause() { Enable(!page_.DeedsLocked()); }
 
    private:
     void Enable(bool enabled);
 
-    DevicePage& page_;
-  };
-
-  /// Closes the port at its end, whichever way out is taken.
-  class PortClose {
-   public:
-    explicit PortClose(DevicePage& page) : page_(page) {}
-    PortClose(const PortClose&) = delete;
-    PortClose& operator=(const PortClose&) = delete;
-    ~PortClose() { page_.ClosePort(); }
-
-   private:
     DevicePage& page_;
   };
 
@@ -340,10 +332,16 @@ class DevicePage : public view::Window {
     PortVisit(const PortVisit&) = delete;
     PortVisit& operator=(const PortVisit&) = delete;
     ~PortVisit();
+    /// How opening the port went; good where it was open.
+    const core::Status& Opened() const { return opened_; }
+    /// The port is closed at the end also when it was open before.
+    void CloseAnyway() { closesAnyway_ = true; }
 
    private:
     DevicePage& page_;
+    core::Status opened_ = core::Status::Good();
     bool counted_ = false;
+    bool closesAnyway_ = false;
   };
 
  private:
@@ -354,7 +352,7 @@ class DevicePage : public view::Window {
   core::Task<> ResetClick();
   core::Task<> ResetInSession();
   core::Task<> ResetOutOfSession();
-  core::Task<bool> OpenOnModule();
+  core::Task<bool> IsOnModule();
   void UndoStart();
   core::Task<> Decode();
   core::Task<> TurnGears();

@@ -197,6 +197,7 @@ void MainWindow::ShowAutoScan() {
 }
 
 void MainWindow::LockRtdSettings() {
+  nerith_->EnsureLoaded();
   nerith_->NerithEnableControls(false);
 }
 

@@ -316,6 +316,7 @@ TEST_F(HollinView, HasItsTimerWithoutATask) {
 }
 
 TEST_F(HollinView, NamesItsToolTips) {
+  EXPECT_EQ(ToolTip("CheckHollin(0)"), "40003.1 - Speed Up Acquisition");
   EXPECT_EQ(ToolTip("OptionHollin1"), "Scaled Input");
   EXPECT_EQ(ToolTip("OptionHollin2"), "Real Input");
   EXPECT_EQ(ToolTip("CheckHollinBitOrder"), "Reversed Bit Order");

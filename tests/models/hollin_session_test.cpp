@@ -124,6 +124,16 @@ TEST_F(HollinSession, LocksAllSettingsAsLongAsItLasts) {
   ExpectSettingsEnabled(true);
 }
 
+TEST_F(HollinSession, StaysLockedWhenACommitThatBeganBeforeTheLockEnds) {
+  StartUntilRequest(2);
+  ClickAndGoOn("WEEPHollin");
+  ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }));
+  AnswerOk();
+  RunUntilIdle();
+  ASSERT_TRUE(InSession());
+  for (const std::string& name : Settings()) EXPECT_FALSE(Enabled(name)) << name;
+}
+
 TEST_F(HollinSession, LeavesStartAndStopOutOfItsLock) {
   StartSession();
   EXPECT_TRUE(Enabled("StopHollin"));

@@ -40,6 +40,18 @@ TEST_F(JorunFullScale, FollowsTheTypesOfTheModule) {
   EXPECT_THAT(State().FullScaleTC, ElementsAre(10000, 12000, 17500, 17500));
 }
 
+TEST_F(JorunFullScale, IsTheModulesOwnAgainWhenAnotherPageHasChangedIt) {
+  Set(kType1, 1);
+  StartSession();
+  Click("StopJorun");
+  State().FullScaleTC.fill(16000);
+  Set(kValue1, 5000);
+  StartSession();
+  RunThroughADecode();
+  EXPECT_EQ(FullScale(0), 10000);
+  EXPECT_EQ(Percent("BargJorun(0)"), 50);
+}
+
 TEST_F(JorunFullScale, OfAnUnknownTypeStays) {
   Choose(TypeList(0), 5);
   Choose(TypeList(1), 6);

@@ -218,6 +218,18 @@ TEST_F(KelmarFullScale, FollowsTheTypesOfTheModule) {
   EXPECT_THAT(State().FullScaleTC, ElementsAre(10000, 12000, 17500, 17500));
 }
 
+TEST_F(KelmarFullScale, IsTheModulesOwnAgainWhenAnotherPageHasChangedIt) {
+  Set(kType1, 1);
+  StartSession();
+  Click("StopKelmar");
+  State().FullScaleTC.fill(16000);
+  Set(kValue1, 5000);
+  StartSession();
+  RunThroughADecode();
+  EXPECT_EQ(FullScale(0), 10000);
+  EXPECT_EQ(Percent("BargKelmar(0)"), 50);
+}
+
 TEST_F(KelmarFullScale, OfAnUnknownTypeStays) {
   Choose(TypeList(0), 5);
   Choose(TypeList(1), 6);

@@ -430,6 +430,14 @@ TEST_F(Search, IsStartedByTheMenuToo) {
   ExpectFound(1, "38400,n,8,1");
 }
 
+TEST_F(Search, LoadsThePageOfRtdInputsWhoseSettingsItLocks) {
+  ASSERT_FALSE(program.FindWindow("frmNerith")->Loaded());
+  Click("buttCheckDevice");
+  EXPECT_TRUE(program.FindWindow("frmNerith")->Loaded());
+  EXPECT_EQ(ListIndex("frmNerith.cbBaudRate"), 1);
+  EXPECT_FALSE(Enabled("frmNerith.cbBaudRate"));
+}
+
 TEST_F(Search, CanBeRepeated) {
   MemoryModule& belk = PutModule(1, 38400);
   OpenWithoutSearch();

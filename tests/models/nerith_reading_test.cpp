@@ -373,6 +373,13 @@ TEST_F(NerithReading, ListsTwoSensorsOnNewFirmware) {
   }
 }
 
+TEST_F(NerithReading, HidesTheTemperatureBoxesOfOldFirmwareAfterNewer) {
+  ASSERT_TRUE(Visible(Conv(0)));
+  SetKind(kNerith, kOld);
+  VisitAnew();
+  for (int i = 0; i < kMostChannels; ++i) EXPECT_FALSE(Visible(Conv(i))) << i;
+}
+
 class NerithFirmware : public NerithModule, public testing::WithParamInterface<int> {};
 
 INSTANTIATE_TEST_SUITE_P(, NerithFirmware, testing::Values(0, 1, 17, 18, 19, 255), testing::PrintToStringParamName());

@@ -108,6 +108,14 @@ void PrintTo(const Damaged& row, std::ostream* out) {
   *out << row.name;
 }
 
+/// A good file of that page but for one field, counted from 1.
+Damaged DamagedField(std::string name, const std::string& model, std::size_t number, const std::string& text,
+                     std::string fault) {
+  Fields fields = test::FilePageOf(model).fields;
+  fields.at(number - 1) = text;
+  return {std::move(name), model, test::FileOf(model, fields), std::move(fault), fields};
+}
+
 class DamagedFile : public test::PageFileFixture, public testing::WithParamInterface<Damaged> {};
 
 TEST_P(DamagedFile, SaysWhyAndLeavesTheChannelOpen) {
@@ -129,8 +137,9 @@ TEST_P(DamagedFile, SaysWhyAndLeavesTheChannelOpen) {
   AnswerOk();
   EXPECT_EQ(files.Content("/bench/saved.txt"), std::nullopt);
   // The program works on.
-  module[40001] = static_cast<std::uint16_t>(test::FilePageOf(row.model).code << 8 | 3);
-  Click("Start" + row.model);
+  const test::FilePage& page = test::FilePageOf(row.model);
+  module[40001] = static_cast<std::uint16_t>(page.code << 8 | 3);
+  Click(page.start);
   EXPECT_EQ(State().StartComm, state::kTrue);
 }
 
@@ -188,7 +197,34 @@ INSTANTIATE_TEST_SUITE_P(
                 "Jorun",
                 test::FileOf("Jorun", {"257", "0", "TC-K", "0", "0", "0", "0", "0", "0", "0"}),
                 core::kTypeMismatch,
-                {"257", "0", "TC-K"}}),
+                {"257", "0", "TC-K"}},
+        DamagedField("LumetFlagsTooLarge", "Lumet", 10, "99999999999", core::kOverflow),
+        DamagedField("LumetAddressTooLarge", "Lumet", 11, "2147483648", core::kOverflow),
+        DamagedField("LumetMeasuresTooLarge", "Lumet", 12, "-2147483649", core::kOverflow),
+        DamagedField("KelmarFlags", "Kelmar", 1, "all", core::kTypeMismatch),
+        DamagedField("KelmarFlagsTooLarge", "Kelmar", 1, "4294967296", core::kOverflow),
+        DamagedField("KelmarType", "Kelmar", 4, "TC-K", core::kTypeMismatch),
+        DamagedField("KelmarFilter", "Kelmar", 9, "", core::kTypeMismatch),
+        DamagedField("HollinFlags", "Hollin", 2, "0x6402", core::kTypeMismatch),
+        DamagedField("HollinFilter", "Hollin", 3, "slow", core::kTypeMismatch),
+        DamagedField("HollinFullScale", "Hollin", 7, "", core::kTypeMismatch),
+        DamagedField("HollinFullScaleTooLarge", "Hollin", 7, "10000000000", core::kOverflow),
+        DamagedField("HollinStartScale", "Hollin", 14, "low", core::kTypeMismatch),
+        DamagedField("NerithSerial", "Nerith", 1, "COM1", core::kTypeMismatch),
+        DamagedField("NerithSerialTooLarge", "Nerith", 1, "4294967296", core::kOverflow),
+        DamagedField("NerithSystem", "Nerith", 2, "Celsius", core::kTypeMismatch),
+        DamagedField("NerithSensor", "Nerith", 5, "PT100", core::kTypeMismatch),
+        DamagedField("NerithLastSensor", "Nerith", 6, "", core::kTypeMismatch),
+        DamagedField("MarloSpeed", "Marlo", 1, "fast", core::kTypeMismatch),
+        DamagedField("MarloAddress", "Marlo", 2, "", core::kTypeMismatch),
+        DamagedField("MarloAddressTooLarge", "Marlo", 2, "9999999999", core::kOverflow),
+        DamagedField("MarloOptions", "Marlo", 4, "blink", core::kTypeMismatch),
+        DamagedField("MarloLimits", "Marlo", 5, "18 V", core::kTypeMismatch),
+        DamagedField("MarloLimitsTooLarge", "Marlo", 5, "4294967296", core::kOverflow),
+        DamagedField("QuenbyFlags", "Quenby", 1, "", core::kTypeMismatch),
+        DamagedField("QuenbyFlagsTooLarge", "Quenby", 1, "-2147483649", core::kOverflow),
+        DamagedField("QuenbyAddress", "Quenby", 5, "COM1", core::kTypeMismatch),
+        DamagedField("QuenbyAddressTooLarge", "Quenby", 5, "4294967296", core::kOverflow)),
     [](const auto& given) { return given.param.name; });
 
 TEST_F(DamagedFile, OfGavenKeepsTheControlsThatWereSetBeforeTheFault) {

@@ -3,6 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ostream>
+#include <utility>
+#include <vector>
+
 #include "e2e/shell_bench.h"
 
 namespace tarvo {
@@ -199,6 +203,117 @@ TEST_F(PageFiles, BehindALoopOfLinksHoldNothingUp) {
   OpenPage();
   ExpectOpenFails(PathOf("loop.txt"), "Device unavailable");
 }
+
+/// A page's file, and what the console shows of it.
+struct PageFile {
+  std::string name;
+  std::string module;       ///< as the simulator's command line has it
+  std::string entry;        ///< of the page list or the menu
+  std::string named;        ///< by the words of a good load
+  std::vector<int> fields;  ///< of the file
+  std::vector<int> again;   ///< what a save after its load writes
+  std::vector<std::pair<std::string, std::string>> shown;
+
+  friend void PrintTo(const PageFile& file, std::ostream* out) { *out << file.name; }
+};
+
+class FileOfAPage : public PageFiles, public testing::WithParamInterface<PageFile> {
+ protected:
+  static std::string Content(const std::vector<int>& fields) {
+    std::string content = "\"DATAFORMAT 1.0 " + GetParam().name + "\"\r\n";
+    for (const int field : fields) content += '"' + std::to_string(field) + "\"\r\n";
+    return content;
+  }
+};
+
+TEST_P(FileOfAPage, IsLoadedAndSavedAgain) {
+  const PageFile& file = GetParam();
+  StartSimulator(file.module);
+  WriteSettings("AUTOSCAN=FALSE\n");
+  console = OpenShell({Device()}, Settings());
+  EXPECT_EQ(Do("click " + file.entry), kNothing);
+  Put("in.txt", Content(file.fields));
+  EXPECT_EQ(Open(PathOf("in.txt")),
+            BoxJson("Data correctly loaded! Press 'WRITE EEPROM' to update " + file.named, "information"));
+  EXPECT_EQ(Do("answer OK"), kNothing);
+  for (const auto& [value, text] : file.shown) EXPECT_EQ(Get(value), text) << value;
+  EXPECT_EQ(Save(PathOf("out.txt")), kNothing);
+  EXPECT_EQ(Bytes("out.txt"), Content(file.again));
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, FileOfAPage,
+                         testing::Values(PageFile{.name = "Lumet",
+                                                  .module = "lumet",
+                                                  .entry = "labLumet",
+                                                  .named = "Jorun",
+                                                  .fields = {65535, 1, 2, 3, 4, 5, 6, 7, 8, 2079, 785, 2595, 254},
+                                                  .again = {65535, 1, 2, 3, 4, 5, 6, 7, 8, 2079, 785, 2595, 254},
+                                                  .shown = {{"TotIN(1).Caption", "65535"},
+                                                            {"CheckLumet6.Value", "1"},
+                                                            {"cbCombIngressi.ListIndex", "4"},
+                                                            {"AddressLumet.Caption", "17"},
+                                                            {"cbTipoMisura(0).Text", "TON"},
+                                                            {"FilterLumet.Caption", "254"}}},
+                                         PageFile{.name = "Kelmar",
+                                                  .module = "kelmar",
+                                                  .entry = "menuKelmar",
+                                                  .named = "Kelmar",
+                                                  .fields = {29442, 8, 0, 3, 1, 6, 0, 2, 1},
+                                                  .again = {21250, 8, 0, 3, 1, 6, 0, 2, 1},
+                                                  .shown = {{"CheckKelmar(0).Value", "1"},
+                                                            {"CheckKelmarBitOrder.Value", "1"},
+                                                            {"OptionKelmar1.Value", "true"},
+                                                            {"InputTypeKelmar(0).ListIndex", "8"},
+                                                            {"FilterKelmar(2).Text", "2"}}},
+                                         PageFile{
+                                             .name = "Hollin",
+                                             .module = "hollin",
+                                             .entry = "MenuHollin",
+                                             .named = "Hollin",
+                                             .fields = {785, 25602, 1, 2, 6, 0, 10000, -10000, 500, 7, -1, 3, -9999, 1},
+                                             .again = {0, 25602, 1, 2, 6, 0, 10000, -10000, 500, 7, -1, 3, -9999, 1},
+                                             .shown = {{"CheckHollin(0).Value", "1"},
+                                                       {"OptionHollin2.Value", "true"},
+                                                       {"FilterHollin(2).Text", "6"},
+                                                       {"ValueHollin(7).Caption", "-10000"},
+                                                       {"ValueHollin(10).Caption", "-9999"}}},
+                                         PageFile{.name = "Nerith",
+                                                  .module = "nerith:fw=17",
+                                                  .entry = "labNerith",
+                                                  .named = "Nerith",
+                                                  .fields = {3601, 42, 1795, 1280, 2, 257},
+                                                  .again = {3601, 42, 1795, 1280, 2, 257},
+                                                  .shown = {{"labModuleAddress.Caption", "17"},
+                                                            {"cbBaudRate.Text", "38400"},
+                                                            {"OptionOdd.Value", "true"},
+                                                            {"cbUnits.Text", "Farenheit"},
+                                                            {"cbSensorType(0).Text", "3-NI100"},
+                                                            {"cbDumpFactor(1).Text", "5"}}},
+                                         PageFile{.name = "Marlo",
+                                                  .module = "marlo",
+                                                  .entry = "labMarlo",
+                                                  .named = "Marlo",
+                                                  .fields = {778, 4354, 250, 771, 1465},
+                                                  .again = {778, 4354, 250, 771, 1465},
+                                                  .shown = {{"cbBaudMarlo.Text", "38400"},
+                                                            {"labAddressMarlo.Caption", "17"},
+                                                            {"labSafetimeMarlo.Caption", "250"},
+                                                            {"ComboFailLed.Text", "double flash"},
+                                                            {"txtValTreshold.Text", "18.5"},
+                                                            {"txtDelay.Text", "5"}}},
+                                         PageFile{.name = "Quenby",
+                                                  .module = "quenby",
+                                                  .entry = "LabQuenby",
+                                                  .named = "Quenby",
+                                                  .fields = {3548, 10000, 0, 5000, 968, 65535},
+                                                  .again = {3548, 10000, 0, 5000, 776, 65535},
+                                                  .shown = {{"CheckDelay12ms.Value", "1"},
+                                                            {"cbFullScale(0).ListIndex", "1"},
+                                                            {"txtVal(2).Text", "5000"},
+                                                            {"labAddress.Caption", "8"},
+                                                            {"cbBaud.Text", "38400"},
+                                                            {"labTimeout.Caption", "65535"}}}),
+                         [](const auto& given) { return given.param.name; });
 
 /// Run as a user whom the system's rights bind.
 class PageFilesOfAUser : public PageFiles {

@@ -99,10 +99,6 @@ Register RangeOf(int channel) {
   return SensorOf(channel) + 1;
 }
 
-unsigned IndexOf(const view::ComboBox& list) {
-  return static_cast<unsigned>(list.ListIndex());
-}
-
 }  // namespace
 
 Nerith::Nerith(pages::PageContext& context)

@@ -48,10 +48,6 @@ constexpr unsigned kFirstSensorFail = 0x0100;
 /// Where the resistances stand in `PollBuffer`, behind the block.
 constexpr std::size_t kFirstResistance = 5;
 
-unsigned IndexOf(const view::ComboBox& list) {
-  return static_cast<unsigned>(list.ListIndex());
-}
-
 }  // namespace
 
 Oswin::Oswin(pages::PageContext& context)

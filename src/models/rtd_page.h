@@ -72,6 +72,7 @@ class RtdPage : public pages::DevicePage {
   /// 0 none, 1 even, 2 odd; 3 sets the box and selects nothing.
   void ShowParity(unsigned code);
   unsigned ParityCode() const;
+  static unsigned IndexOf(const view::ComboBox& list) { return static_cast<unsigned>(list.ListIndex()); }
   /// Serial settings, for the arrangement.
   view::Node SerialFields() const;
 

@@ -75,6 +75,38 @@ TEST_F(MemoryModule, TakesTheTimeOfItsTurnRoundAndTheLine) {
   EXPECT_EQ(Port->Take(reply), 7U);
 }
 
+TEST_F(MemoryModule, ItsReplyIsThereAfterAHardWaitBeforeATurnTellsIt) {
+  Port->Write(WithCrc({1, 3, 0, 0, 0, 1}));
+  Frame reply(256);
+  Scheduler.Block(Module.Line.TimeOf(8) + Module.TurnRound + Module.Line.TimeOf(7) - core::microseconds(1));
+  EXPECT_EQ(Port->Take(reply), 0U);
+  Scheduler.Block(core::microseconds(1));
+  EXPECT_EQ(Port->Take(reply), 7U);
+}
+
+TEST_F(MemoryModule, AHardWaitLetsArriveWhatIsDueInItAndLeavesTheRestForLater) {
+  const Frame bytes{1, 2, 3, 4, 5};
+  Line.DeliverOneByOne(bytes, core::milliseconds(10), core::milliseconds(10));
+  Scheduler.Block(core::milliseconds(35));
+  Frame taken(256);
+  ASSERT_EQ(Port->Take(taken), 3U);
+  EXPECT_EQ(Frame(taken.begin(), taken.begin() + 3), (Frame{1, 2, 3}));
+  Scheduler.Run(core::milliseconds(5));
+  EXPECT_EQ(Port->Take(taken), 1U);
+  Scheduler.Run(core::milliseconds(10));
+  EXPECT_EQ(Port->Take(taken), 1U);
+  EXPECT_EQ(taken[0], 5);
+}
+
+TEST_F(MemoryModule, WhatCameInAHardWaitIsThrownAwayWithTheInput) {
+  Line.Deliver({1, 2, 3}, core::milliseconds(10));
+  Scheduler.Block(core::milliseconds(10));
+  Port->DiscardInput();
+  Scheduler.Run(core::milliseconds(100));
+  Frame taken(256);
+  EXPECT_EQ(Port->Take(taken), 0U);
+}
+
 TEST_F(MemoryModule, TakesFaultsToOrder) {
   const Frame read{1, 3, 0, 0, 0, 1};
   const Frame good = ReadReply({0x0103});

@@ -102,11 +102,20 @@ class MemoryLine {
     }
 
     void Arrive() {
+      if (owner.Keep(TakeNext(gap))) owner.TellArrival();
+    }
+
+    /// The bytes that arrive together now; the next ones, `next` from now.
+    std::span<const std::uint8_t> TakeNext(core::Duration next) {
       const std::size_t count = gap > core::Duration::zero() ? 1 : bytes.size() - sent;
       const auto arriving = std::span(bytes).subspan(sent, std::min(count, bytes.size() - sent));
       sent += arriving.size();
-      if (sent < bytes.size()) call.ArriveAfter(gap);
-      owner.Arrived(arriving);
+      if (sent < bytes.size()) {
+        call.ArriveAfter(next);
+      } else {
+        call.Cancel();
+      }
+      return arriving;
     }
 
     MemoryLine& owner;
@@ -131,7 +140,7 @@ class MemoryLine {
     bool Write(std::span<const std::uint8_t> bytes) override { return line_ != nullptr && line_->TakeWrite(bytes); }
     std::size_t Take(std::span<std::uint8_t> into) override { return line_ == nullptr ? 0 : line_->TakeInput(into); }
     void DiscardInput() override {
-      if (line_ != nullptr) line_->input_.clear();
+      if (line_ != nullptr) line_->DiscardInput();
     }
     core::Status SetLine(const bus::LineSettings& line) override {
       if (line_ == nullptr || line_->lost_ || line_->refuseSetLine_) {
@@ -153,7 +162,27 @@ class MemoryLine {
     return true;
   }
 
+  /// The delivery whose bytes have been due longest; null when none are.
+  Delivery* Overdue() const {
+    Delivery* first = nullptr;
+    for (const auto& one : deliveries_) {
+      if (!one->call.Pending() || one->call.Due() > scheduler_.Now()) continue;
+      if (first == nullptr || one->call.Due() < first->call.Due()) first = one.get();
+    }
+    return first;
+  }
+  /// Bytes that came in a hard wait lie there before a turn tells so, as on a real line.
+  void KeepOverdue() {
+    while (Delivery* one = Overdue()) Keep(one->TakeNext(one->call.Due() + one->gap - scheduler_.Now()));
+  }
+
+  void DiscardInput() {
+    KeepOverdue();
+    input_.clear();
+  }
+
   std::size_t TakeInput(std::span<std::uint8_t> into) {
+    KeepOverdue();
     const std::size_t count = std::min(into.size(), input_.size());
     const auto end = input_.begin() + static_cast<std::ptrdiff_t>(count);
     std::copy(input_.begin(), end, into.begin());
@@ -161,9 +190,13 @@ class MemoryLine {
     return count;
   }
 
-  void Arrived(std::span<const std::uint8_t> bytes) {
-    if (port_ == nullptr || lost_) return;
+  /// False when nobody is there to have them.
+  bool Keep(std::span<const std::uint8_t> bytes) {
+    if (port_ == nullptr || lost_) return false;
     input_.insert(input_.end(), bytes.begin(), bytes.end());
+    return true;
+  }
+  void TellArrival() const {
     if (bus::BytePortListener* listener = port_->Listener()) listener->BytesArrived();
   }
 

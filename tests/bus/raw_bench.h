@@ -31,6 +31,12 @@ class RawBench {
     Ports.Connect(1, Line);
     Screen.SetMain(&Main);
   }
+  RawBench(const RawBench&) = delete;
+  RawBench& operator=(const RawBench&) = delete;
+  ~RawBench() {
+    Main.EndTasks();
+    Page.CancelTasks();
+  }
 
   bool OpenPort() { return Page.MSComm1.SetPortOpen(true).Ok(); }
 

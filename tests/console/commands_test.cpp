@@ -305,6 +305,58 @@ TEST(Idle, FailsWhileAHandlerWaits) {
   EXPECT_EQ(bench("idle 2m"), Failure("usage: idle within 10s"));
 }
 
+TEST(Open, ShowsAHiddenPageAndRepliesWhenItIsThere) {
+  ConsoleBench bench;
+  EXPECT_EQ(bench.TimeOf("open frmUnlisted"), 300ms);
+  EXPECT_EQ(bench.screen.Page(), &bench.unlisted);
+  EXPECT_EQ(bench("get Parameter.Caption"), Value(R"("1")"));
+}
+
+TEST(Open, RepliesAtOnceWithNowait) {
+  ConsoleBench bench;
+  EXPECT_EQ(bench("nowait open frmUnlisted"), kOk);
+  EXPECT_FALSE(bench.screen.Idle());
+  EXPECT_EQ(bench("idle within 1s"), kOk);
+  EXPECT_EQ(bench.screen.Page(), &bench.unlisted);
+}
+
+TEST(Open, OfAPageThatNavigationLeadsToFails) {
+  ConsoleBench bench;
+  EXPECT_EQ(bench("open Jorun"), Failure("Jorun is no hidden page"));
+  EXPECT_EQ(bench("open ChangeValue"), Failure("ChangeValue is no hidden page"));
+  EXPECT_EQ(bench.screen.Page(), &bench.page);
+}
+
+TEST(Open, OfWhatIsNoWindowFails) {
+  ConsoleBench bench;
+  EXPECT_EQ(bench("open frmUnlist"), Failure("there is no window frmUnlist"));
+  EXPECT_EQ(bench("open Slow"), Failure("there is no window Slow"));
+}
+
+TEST(Open, OfThePageThatIsShownFails) {
+  ConsoleBench bench;
+  bench("open frmUnlisted");
+  EXPECT_EQ(bench("open frmUnlisted"), Failure("frmUnlisted is on the screen"));
+}
+
+TEST(Open, BehindSomethingModalFails) {
+  ConsoleBench bench;
+  bench("click TotIN(0)");
+  EXPECT_EQ(bench("open frmUnlisted"), R"({"ok":false,"error":"frmUnlisted would be behind what is in front",)"
+                                       R"("modal":{"window":"ChangeValue"}})");
+  EXPECT_EQ(bench.screen.Page(), &bench.page);
+}
+
+TEST(Open, WithAPageThatRefusesToBeLeftTellsItsBoxAndStays) {
+  ConsoleBench bench;
+  bench.page.mayBeLeft = false;
+  EXPECT_EQ(bench("open frmUnlisted"),
+            R"({"ok":true,"modal":{"window":"MsgBox","text":"Stop first!","caption":"Tarvo","icon":"exclamation",)"
+            R"("buttons":["OK"]}})");
+  EXPECT_EQ(bench("answer OK"), kOk);
+  EXPECT_EQ(bench.screen.Page(), &bench.page);
+}
+
 TEST(Close, ClosesTheModalWindowInFrontAndWaitsForItsOpener) {
   ConsoleBench bench;
   bench("click TotIN(0)");
@@ -332,10 +384,15 @@ TEST(Help, NamesEveryCommand) {
   ConsoleBench bench;
   const std::string help = bench("help");
   for (const char* name : {"click", "choose", "type", "key", "leave", "answer", "get", "dump", "show", "wait", "until",
-                           "idle", "close", "quit", "help", "nowait"}) {
+                           "idle", "open", "close", "quit", "help", "nowait"}) {
     EXPECT_THAT(help, HasSubstr(std::string(name))) << name;
     EXPECT_EQ(Parse(name).error.starts_with("there is no command"), false) << name;
   }
+}
+
+TEST(Help, TellsWhichPageCanBeOpened) {
+  ConsoleBench bench(Style::kPerson);
+  EXPECT_THAT(bench("help"), testing::ContainsRegex("\nopen WINDOW  +[^\n]*frmPlugAndPlay\n"));
 }
 
 TEST(Commands, ThatAreWrittenWronglySayWhatIsMeant) {
@@ -349,6 +406,8 @@ TEST(Commands, ThatAreWrittenWronglySayWhatIsMeant) {
       {"click Slow Box", "usage: click NAME"},
       {"type Text1", R"(usage: type NAME \"12\")"},
       {"show all", "usage: show"},
+      {"open", "usage: open WINDOW"},
+      {"open frmUnlisted now", "usage: open WINDOW"},
       {"nowait", "a command is missing after nowait"},
       {"nowait get Slow", "nowait goes before a gesture, which get is not"},
       {"click \"Slow", "a quote is not closed"},

@@ -106,10 +106,15 @@ class TestPage : public view::Window {
   int ticks = 0;
   int done = 0;
   int escapes = 0;
+  bool mayBeLeft = true;
   std::string path = "none";
 
   void KeyDown(view::Key key) override {
     if (key == view::Key::kEscape) ++escapes;
+  }
+  core::Task<bool> QueryUnload() override {
+    if (!mayBeLeft) co_await GetScreen().MsgBox("Stop first!", view::Icon::kExclamation);
+    co_return mayBeLeft;
   }
 
   view::Node Arrangement() const override {
@@ -191,6 +196,19 @@ class OtherPage : public view::Window {
   view::Node Arrangement() const override { return view::Show(StartJorun); }
 };
 
+/// A page that no navigation leads to. It takes its time until it is there.
+class UnlistedPage : public view::Window {
+ public:
+  explicit UnlistedPage(view::Screen& screen) : Window(screen, "frmUnlisted", "Unlisted") {}
+  ~UnlistedPage() override { CancelTasks(); }
+
+  view::Label Parameter{*this, "Parameter", "1"};
+
+  bool Hidden() const override { return true; }
+  core::Task<> Activate() override { co_await GetScheduler().Sleep(core::milliseconds(300)); }
+  view::Node Arrangement() const override { return view::Show(Parameter); }
+};
+
 /// A console over small windows, in virtual time.
 class ConsoleBench {
  public:
@@ -215,8 +233,9 @@ class ConsoleBench {
   TestDialog dialog{screen};
   TestPage page{screen, dialog};
   OtherPage other{screen};
+  UnlistedPage unlisted{screen};
   TestMain main{screen};
-  std::vector<view::Window*> windows{&page, &other, &dialog, &main};
+  std::vector<view::Window*> windows{&page, &other, &unlisted, &dialog, &main};
   bool starting = false;
   std::ostringstream out;
   Console console;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <limits>
 #include <optional>
 #include <utility>
 
@@ -34,15 +32,6 @@ constexpr std::int32_t kMostZero = 1000;
 
 constexpr std::size_t kLow = 0;
 constexpr std::size_t kHigh = 1;
-
-std::int32_t Rounded(double value) {
-  const double nearest = std::nearbyint(value);
-  // Not a number is no integer either.
-  const bool fits =
-      nearest >= std::numeric_limits<std::int32_t>::min() && nearest <= std::numeric_limits<std::int32_t>::max();
-  if (!fits) throw core::Fault(core::kOverflow);
-  return static_cast<std::int32_t>(nearest);
-}
 
 std::string TextOf(Word word) {
   return std::to_string(word.Signed());
@@ -210,8 +199,8 @@ core::Task<DlgCalForm::Line> DlgCalForm::Calibrating(double x1, double x2, doubl
     co_return line;
   }
   const double slope = (y2 - y1) / (x2 - x1);
-  const std::int32_t m = Rounded(slope);
-  const std::int32_t q = Rounded(y1 - slope * x1);
+  const std::int32_t m = state::RoundToInteger(slope);
+  const std::int32_t q = state::RoundToInteger(y1 - slope * x1);
   line.m = std::clamp(m, kLowestSpan, kHighestSpan);
   line.q = std::clamp(q, -kMostZero, kMostZero);
   if (line.m != m || line.q != q) co_await SayCritical("Warning: m or q limited to maximum value.");

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <span>
-#include <string>
 
 #include "pages/baud_list.h"
 #include "pages/device_page.h"

@@ -29,7 +29,9 @@ constexpr unsigned kDelay = 0x0004;
 constexpr unsigned kTypeBits = 0x0700;
 constexpr unsigned kFilterBits = 0x0007;
 
+/// First release with a delay and parity.
 constexpr int kReleaseOfParity = 2;
+/// First release with 1200 and 2400 baud.
 constexpr int kReleaseOfSevenRates = 3;
 
 constexpr std::array<std::string_view, Dravo::kStatusBits> kStatusNames = {

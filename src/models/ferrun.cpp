@@ -55,7 +55,9 @@ constexpr std::array<std::string_view, Ferrun::kStatusBits> kStatusNames = {
     "EEPROM Programming Error", "A/D Converter Failed", "Output Overflow", "Output Underflow"};
 constexpr int kFirstStatusBit = 8;
 
+/// First release with a delay and parity.
 constexpr int kReleaseOfParity = 2;
+/// First release with 1200 and 2400 baud.
 constexpr int kReleaseOfSevenRates = 3;
 
 std::size_t At(int index) {

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "models/measure_input.h"

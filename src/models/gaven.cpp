@@ -21,6 +21,7 @@ constexpr pages::PageIdentity kIdentity = {
     .gears = "Ingranaggi5",
 };
 
+/// First release with 1200 and 2400 baud.
 constexpr int kReleaseOfSevenRates = 2;
 
 }  // namespace

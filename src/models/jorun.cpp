@@ -1,7 +1,6 @@
 #include "models/jorun.h"
 
 #include "models/analog_options.h"
-#include "state/number_text.h"
 
 namespace tarvo::models {
 

@@ -43,8 +43,8 @@ constexpr PlcTips kTips = {
 
 constexpr int kDisplayOn = -1;
 
-/// What a choice of scaled leaves as the flags last polled.
-constexpr unsigned kFlagsOfScaled = 239;
+/// What a choice of scaled leaves in element 1 of what was polled last, whatever that is.
+constexpr unsigned kLeftByScaled = 239;
 
 }  // namespace
 
@@ -119,7 +119,7 @@ core::Task<> Kelmar::RawClick() {
 /// Takes effect with a commit only. What it stores the next poll overwrites: both are meant.
 core::Task<> Kelmar::ScaledClick() {
   ShowRaw(false);
-  Copy(kFlags) = Word(kFlagsOfScaled);
+  State().PollBuffer[1] = Word(kLeftByScaled);
   co_return;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -64,6 +63,7 @@ class Lumet : public pages::DevicePage {
 
   void Load() override;
   void CheckFWVersion(int release) override;
+  /// Everything that can be edited; the parity options only where parity is on. No flow calls it.
   void LumetEnableControls(bool enabled);
   /// Goes on when that many seconds have gone by; all else runs meanwhile.
   core::Task<> Pause(float seconds);

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "bus/modcom/register_access.h"
-#include "pages/status_panels.h"
 #include "state/number_text.h"
 #include "view/hourglass.h"
 #include "view/screen.h"
@@ -92,11 +90,17 @@ std::string OutputTip(int output) {
   return "40003." + std::to_string(told) + " - Output " + std::to_string(told + 1);
 }
 
-/// The nearest integer; throws "Overflow" when `value` fits none.
-std::int32_t Rounded(double value) {
-  if (std::abs(value) > std::numeric_limits<std::int32_t>::max()) throw core::Fault(core::kOverflow);
-  return state::RoundTiesToEven(value);
-}
+/// Holds the button of an output while its click works.
+class OutputPause {
+ public:
+  explicit OutputPause(view::ImageBox& button) : button_(button) { button_.Enabled = false; }
+  OutputPause(const OutputPause&) = delete;
+  OutputPause& operator=(const OutputPause&) = delete;
+  ~OutputPause() { button_.Enabled = true; }
+
+ private:
+  view::ImageBox& button_;
+};
 
 /// Tenths as a number of wholes: 24 gives "2.4", 20 gives "2".
 std::string TenthsText(int tenths) {
@@ -201,8 +205,8 @@ std::vector<pages::FileField> Marlo::MakeFields() {
 /// Threshold and delay for the file, tenths kept. Texts that are no numbers leave the field as it was.
 std::string Marlo::StoredThreshold(const std::string& last) const {
   if (!NumbersTyped()) return last;
-  const std::int32_t threshold = Rounded(state::ToNumber(txtValTreshold.Text()) * 10);
-  return std::to_string(threshold | Rounded(state::ToNumber(txtDelay.Text()) * 256));
+  const std::int32_t threshold = state::RoundToInteger(state::ToNumber(txtValTreshold.Text()) * 10);
+  return std::to_string(threshold | state::RoundToInteger(state::ToNumber(txtDelay.Text()) * 256));
 }
 
 // What Start, the poll and the search do.
@@ -358,8 +362,7 @@ view::ControlArray<view::Lamp, Marlo::kCount>* Marlo::RowOf(Register source) {
 core::Task<> Marlo::OutputClick(int output) {
   if (PortIsTaken()) co_return;
   const view::Hourglass hourglass(GetScreen());
-  view::ImageBox& button = buttOUTMarlo[output];
-  button.Enabled = false;
+  const OutputPause held(buttOUTMarlo[output]);
   if (InSession()) {
     const PollPause pause(*this);
     co_await ModCom1.Free();
@@ -371,7 +374,6 @@ core::Task<> Marlo::OutputClick(int output) {
     }
     co_await ReadEEPromFlags();
   }
-  button.Enabled = true;
 }
 
 core::Task<> Marlo::Toggle(int output) {
@@ -480,7 +482,7 @@ std::optional<std::int32_t> Marlo::ThresholdAndDelay() const {
   if (!NumbersTyped()) return std::nullopt;
   const double volts = std::trunc(state::ToNumber(txtValTreshold.Text()));
   const double delay = std::trunc(state::ToNumber(txtDelay.Text()));
-  return Rounded(volts * 10) | Rounded(delay * 256);
+  return state::RoundToInteger(volts * 10) | state::RoundToInteger(delay * 256);
 }
 
 bool Marlo::NumbersTyped() const {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -83,6 +82,7 @@ class Marlo : public pages::DevicePage {
   core::Task<> CheckFWVersion();
   core::Task<> CheckFoundFirmware(int release) override;
   core::Task<> ReadEEPromFlags() override;
+  /// Everything that a commit writes, and the masks.
   void MarloEnableControls(bool enabled);
 
   pages::FileFormat Files() const override {

@@ -21,6 +21,7 @@ constexpr pages::PageIdentity kIdentity = {
     .poll = {RtdPage::kStatus, 5},
     .runKind = std::nullopt,
     .reset = std::nullopt,
+    // The names are left from the page that this one was made after, Stop's too.
     .names = {.start = "StartOswin",
               .stop = "StopNerith",
               .weep = "WEEPGaven",
@@ -117,7 +118,6 @@ core::Task<> Oswin::ShowConfiguration(std::optional<Word> serial) {
 }
 
 void Oswin::ShowChannel(int channel, Word word) {
-  cbSensorType[channel].ListIndex = 0;
   const int filter = word.And(kFilterBits).Low();
   if (filter < static_cast<int>(kFilters.size())) cbFilter[channel].ListIndex = filter;
   chkRejection[channel].Value = word.Has(kRejection) ? 1 : 0;

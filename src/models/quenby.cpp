@@ -224,12 +224,12 @@ core::Task<> Quenby::ScaleChoice(const Scale& scale) {
 }
 
 core::Task<> Quenby::NewValueClick(int output) {
+  if (PortIsTaken()) co_return;
   State().NewValueText = "";
   std::string caption = "Set new value of output " + std::to_string(output + 1);
   const std::optional<std::string> asked = co_await newValue_.AskFor(std::move(caption));
   if (!asked || asked->empty()) co_return;
   const std::string value = co_await Tested(*asked);
-  if (PortIsTaken()) co_return;
   txtValRam[output].Caption = value;
   co_await WriteOutput(output, state::ToWord(value));
 }

@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "bus/modcom/register_access.h"
-#include "pages/status_panels.h"
 #include "view/hourglass.h"
 #include "view/screen.h"
 

@@ -34,7 +34,8 @@ class RtdPage : public pages::DevicePage {
   core::Task<> Activate() override;
   void Deactivate() override;
   core::Task<> ReadEEPromFlags() override;
-  virtual void NerithEnableControls(bool enabled);
+  /// The settings that `EnableSettings` and the serial line have.
+  void NerithEnableControls(bool enabled);
   /// The first entry of each list, and four channels. No flow calls it.
   void ResetForm();
 

@@ -143,13 +143,14 @@ core::Task<> DevicePage::StartClick() {
     // Until all is shown once, a handler of a control that ends meanwhile does not start the timers.
     const PollPause pause(*this);
     co_await ReadBeforePolling();
-    if (!over()) co_await context_.table.LeggiModulo();
-    if (!over()) co_await ManageFirst();
+    if (!over()) co_await PollAtStart();
+    if (!over() && polled_) co_await ManageFirst();
     if (!over() && identity_.pollAfter) {
       SetPollBlock(*identity_.pollAfter);
-      co_await context_.table.LeggiModulo();
-      if (!over()) co_await ManageSecond();
+      co_await PollAtStart();
+      if (!over() && polled_) co_await ManageSecond();
     }
+    shown_ = polled_;
   }
   if (over()) {
     UndoStart();
@@ -225,10 +226,25 @@ core::Task<> DevicePage::Poll() {
   const auto count = static_cast<std::int16_t>(State().PollCount);
   const bus::Outcome outcome = co_await ModCom1.ReadPLC(State().PollRegister, block, count, identity_.pollFormat);
   Message.Caption = outcome.Good() ? "OK" : "ERROR! Wrong Comm.";
+  if (outcome.Good()) polled_ = true;
 }
 
+core::Task<> DevicePage::PollAtStart() {
+  polled_ = false;
+  return context_.table.LeggiModulo();
+}
+
+/// What was never read is not shown: the words of another page must not pass for this module's, nor be committed. A
+/// block that Start has lost is shown as Start would have done once it comes.
 core::Task<> DevicePage::Decode() {
-  return ManageContinue();
+  if (!polled_) co_return;
+  if (std::exchange(shown_, true)) {
+    co_await ManageContinue();
+  } else if (identity_.pollAfter) {
+    co_await ManageSecond();
+  } else {
+    co_await ManageFirst();
+  }
 }
 
 core::Task<> DevicePage::TurnGears() {
@@ -259,7 +275,10 @@ core::Task<> DevicePage::WEEPClick() {
   if (InSession()) {
     std::optional<PollPause> pause;
     if (identity_.commitHoldsPoll) pause.emplace(*this);
+    const int session = session_;
     co_await ModCom1.Free();
+    // A Stop that waited longer has ended the session meanwhile.
+    if (session != session_) co_return;
     co_await Commit();
     co_await Committed();
     co_return;
@@ -591,7 +610,12 @@ FileField DevicePage::TextField(view::Label& value) {
 
 FileField DevicePage::PositionField(view::ComboBox& list) {
   return {[&list] { return std::to_string(list.ListIndex()); },
-          [&list](const std::string& text) { list.ListIndex = state::ToInteger(text); }};
+          [&list](const std::string& text) {
+            const std::int32_t position = state::ToInteger(text);
+            // A position behind the list's end stays as it is; one that no register holds would be stored as another.
+            if (position < 0 || position > 0xFFFF) throw core::Fault(core::kOverflow);
+            list.ListIndex = position;
+          }};
 }
 
 FileField DevicePage::AddressField(view::Label& address, view::ComboBox& baud, unsigned codeBits) {

@@ -160,9 +160,9 @@ class DevicePage : public view::Window {
 
   /// What Start does about the firmware.
   virtual core::Task<> ApplyFirmware(int release);
-  /// Shows the first block of a session.
+  /// Shows the first block of a session, once it was read.
   virtual core::Task<> ManageFirst() = 0;
-  /// Shows what was read of `pollAfter` at Start.
+  /// Shows what was read of `pollAfter`, once it was read.
   virtual core::Task<> ManageSecond();
   /// Shows the latest block; runs every 200 ms in a session.
   virtual core::Task<> ManageContinue() = 0;
@@ -354,6 +354,7 @@ class DevicePage : public view::Window {
   core::Task<> ResetOutOfSession();
   core::Task<bool> IsOnModule();
   void UndoStart();
+  core::Task<> PollAtStart();
   core::Task<> Decode();
   core::Task<> TurnGears();
   void StopGears();
@@ -377,9 +378,11 @@ class DevicePage : public view::Window {
   std::span<const Flag> flags_;
   Parity parity_;
   bool entered_ = false;
-  int session_ = 0;  ///< counts sessions begun and ended: who waits sees by it that his session is over
-  int visits_ = 0;   ///< to a port that the first visitor has opened
-  int pauses_ = 0;   ///< handlers of this session that hold the timers
+  int session_ = 0;      ///< counts sessions begun and ended: who waits sees by it that his session is over
+  bool polled_ = false;  ///< the block that is polled now was read at least once
+  bool shown_ = false;   ///< and was shown as Start shows it
+  int visits_ = 0;       ///< to a port that the first visitor has opened
+  int pauses_ = 0;       ///< handlers of this session that hold the timers
 };
 
 }  // namespace tarvo::pages

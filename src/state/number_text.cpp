@@ -1,11 +1,13 @@
 #include "state/number_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <numeric>
 #include <optional>
+#include <string>
+#include <system_error>
 
 #include "core/fault.h"
 
@@ -88,11 +90,14 @@ std::int32_t ToInteger(std::string_view text) {
 double ToNumber(std::string_view text) {
   const std::optional<Decimal> decimal = Parse(text);
   if (!decimal) throw core::Fault(core::kTypeMismatch);
-  const auto add = [](double number, char digit) { return number * 10 + (digit - '0'); };
-  const double whole = std::accumulate(decimal->whole.begin(), decimal->whole.end(), 0.0, add);
-  const double behind = std::accumulate(decimal->fraction.begin(), decimal->fraction.end(), 0.0, add) /
-                        std::pow(10.0, static_cast<double>(decimal->fraction.size()));
-  return decimal->negative ? -(whole + behind) : whole + behind;
+  const std::string digits = "0" + std::string(decimal->whole) + "." + std::string(decimal->fraction);
+  double number = 0;
+  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed);
+  // Too small to tell from 0 it is 0; too large, beyond all bounds.
+  const bool tooLarge =
+      read.ec == std::errc::result_out_of_range && decimal->whole.find_first_not_of('0') != std::string_view::npos;
+  if (tooLarge) number = std::numeric_limits<double>::infinity();
+  return decimal->negative ? -number : number;
 }
 
 std::string PointToComma(std::string_view text) {
@@ -109,6 +114,15 @@ Word ToWord(std::string_view text) {
 
 Word LowWord(std::string_view text) {
   return Word(static_cast<unsigned>(ToInteger(text)) & 0xFFFFU);
+}
+
+std::int32_t RoundToInteger(double value) {
+  const double nearest = std::nearbyint(value);
+  // Not a number is no integer either.
+  const bool fits =
+      nearest >= std::numeric_limits<std::int32_t>::min() && nearest <= std::numeric_limits<std::int32_t>::max();
+  if (!fits) throw core::Fault(core::kOverflow);
+  return static_cast<std::int32_t>(nearest);
 }
 
 int RoundTiesToEven(double value) {

@@ -32,7 +32,10 @@ Word LowWord(std::string_view text);
 /// `value` with its last `decimals` digits behind a point: -5 and 1 give "-0.5".
 std::string WithDecimals(int value, int decimals);
 
-/// Nearest integer, ties to even.
+/// Nearest integer, ties to even. Throws "Overflow" for what fits none, and for what is no number.
+std::int32_t RoundToInteger(double value);
+
+/// Nearest integer, ties to even, of a value that fits one.
 int RoundTiesToEven(double value);
 
 }  // namespace tarvo::state

@@ -198,6 +198,8 @@ INSTANTIATE_TEST_SUITE_P(
                 test::FileOf("Jorun", {"257", "0", "TC-K", "0", "0", "0", "0", "0", "0", "0"}),
                 core::kTypeMismatch,
                 {"257", "0", "TC-K"}},
+        DamagedField("GavenFilterBelowTheList", "Gaven", 3, "-1", core::kOverflow),
+        DamagedField("GavenFilterInNoRegister", "Gaven", 4, "65536", core::kOverflow),
         DamagedField("LumetFlagsTooLarge", "Lumet", 10, "99999999999", core::kOverflow),
         DamagedField("LumetAddressTooLarge", "Lumet", 11, "2147483648", core::kOverflow),
         DamagedField("LumetMeasuresTooLarge", "Lumet", 12, "-2147483649", core::kOverflow),

@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <cstddef>
 
 #include "core/task.h"
 #include "core/virtual_scheduler.h"
@@ -24,9 +25,16 @@ TEST(FramePool, CountsTheFramesInUse) {
 
 TEST(FramePool, GivesAsMuchRoomAsIsAskedForAtEverySize) {
   for (const std::size_t size : {1U, 8U, 63U, 64U, 65U, 4095U, 4096U, 4097U}) {
-    void* frame = FramePool::Take(size);
-    std::memset(frame, 0x5A, size);
-    FramePool::Give(frame, size);
+    // Neighbours that are written to their last byte leave each other alone.
+    auto* first = static_cast<unsigned char*>(FramePool::Take(size));
+    auto* second = static_cast<unsigned char*>(FramePool::Take(size));
+    std::fill_n(first, size, 0x5A);
+    std::fill_n(second, size, 0xA5);
+    EXPECT_EQ(std::count(first, first + size, 0x5A), static_cast<std::ptrdiff_t>(size)) << size;
+    std::fill_n(first, size, 0x3C);
+    EXPECT_EQ(std::count(second, second + size, 0xA5), static_cast<std::ptrdiff_t>(size)) << size;
+    FramePool::Give(first, size);
+    FramePool::Give(second, size);
   }
 }
 

@@ -297,7 +297,7 @@ TEST_F(CobinFirmware, SelectsNothingBeyondItsListWhenTheListShrinks) {
   }
 }
 
-TEST_F(CobinFirmware, Upto2DisablesDelayAndParity) {
+TEST_F(CobinFirmware, UpTo2DisablesDelayAndParity) {
   for (const int release : {0, 1, 2}) {
     SCOPED_TRACE(release);
     Visit(3);

@@ -204,6 +204,20 @@ TEST_F(GavenSession, GoesOnWhenTheBlocksOfStartAreRefused) {
   EXPECT_EQ(Text("MessageGaven"), "OK");
 }
 
+TEST_F(GavenSession, ShowsTheSecondBlockOnceItComesWhereStartHasLostIt) {
+  Set(40012, 1111);
+  Set(40013, 2222);
+  Set(40015, 4444);
+  StartUntilRequest(3);
+  module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  EXPECT_EQ(Text("ValueGaven(0)"), "1111");
+  EXPECT_EQ(Text("ValueGaven(6)"), "0");
+  Run(std::chrono::seconds(1));
+  EXPECT_EQ(Text("ValueGaven(6)"), "2222");
+  EXPECT_EQ(Text("ValueGaven(14)"), "4444");
+}
+
 TEST_F(GavenSession, KeepsTheAddressWhenTheStoredOneIsNotRead) {
   Set(kStoredCommunication, 0x0309);
   StartSession();

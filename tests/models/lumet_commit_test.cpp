@@ -427,10 +427,23 @@ TEST_F(LumetCommitInASession, WritesNothingMoreOnceTheSessionIsStopped) {
   EXPECT_FALSE(InSession());
   EXPECT_FALSE(PortOpen());
   Run(std::chrono::seconds(10));
-  while (BoxInFront() != nullptr) AnswerOk();
+  EXPECT_TRUE(NothingInFront());
   EXPECT_THAT(Writes(), ElementsAre("writes 40084 = 0x0000"));
   ExpectOffline();
   StartSession();
+}
+
+TEST_F(LumetCommitInASession, SaysNothingWhenAStopCameBeforeItsFirstWrite) {
+  StartSession();
+  // A poll is on its way: the commit waits for it, and the Stop behind it.
+  const int polled = module.Requests();
+  ASSERT_TRUE(RunUntil([&] { return module.Requests() > polled; }));
+  ClickAndGoOn("WEEPLumet");
+  ClickAndGoOn("StopLumet");
+  Run(std::chrono::seconds(10));
+  EXPECT_THAT(Writes(), IsEmpty());
+  EXPECT_TRUE(NothingInFront());
+  ExpectOffline();
 }
 
 TEST_F(LumetCommitInASession, LeavesTheNextSessionAloneOnceItsOwnIsStopped) {

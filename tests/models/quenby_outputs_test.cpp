@@ -43,6 +43,16 @@ TEST_P(QuenbyOutput, ForgetsTheValueOfAnEarlierDialogWhenItAsks) {
   EXPECT_EQ(ports.Attempts(), 0);
 }
 
+TEST_P(QuenbyOutput, AsksForNoValueThatACommitUnderWayWouldHoldUp) {
+  ClickAndGoOn("buttWriteEEPROM");
+  ClickAndGoOn(Name());
+  EXPECT_TRUE(NothingInFront());
+  ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }));
+  AnswerOk();
+  Enter("1234");
+  EXPECT_EQ(module[Register()], 1234);
+}
+
 TEST_P(QuenbyOutput, IsWrittenAtOnceInASession) {
   StartSession();
   Enter("1234");

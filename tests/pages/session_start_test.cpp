@@ -184,6 +184,41 @@ TEST_F(SessionStart, KeepsTheSessionWhenTheFirstBlockFails) {
   EXPECT_EQ(Text("MessageBelk"), "OK");
 }
 
+TEST_F(SessionStart, ShowsNothingOfABlockThatItHasLost) {
+  State().PollBuffer.fill(state::Word(0x0307));
+  StartUntilRequest(1);
+  module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  EXPECT_EQ(Text("MessageBelk"), "ERROR! Wrong Comm.");
+  EXPECT_EQ(Text("FilterBelk"), "1");
+  EXPECT_EQ(Text("AddressBelk"), "1");
+  EXPECT_EQ(Text("TotIN(0)"), "0");
+}
+
+TEST_F(SessionStart, ShowsALostBlockOnceItComes) {
+  module[kFilter] = 20;
+  module[kCommunication] = 0x0309;
+  module[kCounter1] = 42;
+  StartUntilRequest(1);
+  module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  Run(std::chrono::seconds(1));
+  EXPECT_EQ(Text("FilterBelk"), "20");
+  EXPECT_EQ(Text("AddressBelk"), "9");
+  EXPECT_EQ(Text("BaudBelk"), "38400");
+  EXPECT_EQ(Text("TotIN(0)"), "42");
+}
+
+TEST_F(SessionStart, ShowsALostBlockWholeOnlyOnce) {
+  StartUntilRequest(1);
+  module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  Run(std::chrono::seconds(1));
+  module[kFilter] = 20;
+  Run(std::chrono::seconds(1));
+  EXPECT_EQ(Text("FilterBelk"), "10");
+}
+
 // What ends Start with its message box.
 
 class SessionStartRefused : public SessionStart {

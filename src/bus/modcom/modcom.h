@@ -21,8 +21,7 @@
 
 namespace tarvo::bus {
 
-/// The `format` argument that nearly every request carries. Its meaning is not recorded; it changes nothing on the
-/// line.
+/// The `format` argument that nearly every request carries. It changes nothing on the line.
 inline constexpr std::int16_t kFormat = 5;
 
 /// The Modbus RTU master control of a window: owns one serial port, reads and writes holding registers. A register that

@@ -1,5 +1,8 @@
 #include "bus/rawlink/frm_plug_and_play.h"
 
+#include <optional>
+#include <utility>
+
 #include "core/fault.h"
 #include "view/screen.h"
 
@@ -40,7 +43,10 @@ core::Task<> FrmPlugAndPlay::Activate() {
   MSComm1.Settings = state_.PCSettings;
   const core::Status opened = MSComm1.SetPortOpen(true);
   TimerRefresh.Enabled = opened.Ok();
-  if (!opened.Ok()) co_await GetScreen().MsgBox(opened.Description(), view::Icon::kExclamation);
+  if (opened.Ok()) co_return;
+  std::string text = opened.GetFault().Advice();
+  if (text.empty()) text = opened.Description();
+  co_await GetScreen().MsgBox(std::move(text), view::Icon::kExclamation);
 }
 
 void FrmPlugAndPlay::Deactivate() {
@@ -49,9 +55,15 @@ void FrmPlugAndPlay::Deactivate() {
 }
 
 core::Task<> FrmPlugAndPlay::TimerRefreshTick() {
-  Link.ExchangeParameter(*this, index_, kWait);
-  index_ = index_ < Link.ParameterCount ? index_ + 1 : 0;
-  co_return;
+  std::optional<std::string> fault;
+  try {
+    Link.ExchangeParameter(*this, index_, kWait);
+    index_ = index_ < Link.ParameterCount ? index_ + 1 : 0;
+  } catch (const core::Fault& met) {
+    fault = met.what();
+  }
+  // The tick lasts as long as the box stands, so that a line which babbles does not pile up one a second.
+  if (fault) co_await GetScreen().MsgBox(*fault, view::Icon::kExclamation);
 }
 
 view::Node FrmPlugAndPlay::Arrangement() const {

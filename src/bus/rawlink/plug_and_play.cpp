@@ -17,8 +17,8 @@ constexpr std::size_t kCrcLength = 2;
 constexpr std::size_t kShortestReply = 4;
 /// Bytes of a read's reply beside its values: address, function, byte count and CRC.
 constexpr std::size_t kAroundValues = 5;
-/// Bytes of a parameter's descriptor up to its last field, CRC included. The modules' replies are said to measure 20;
-/// a byte between the last field and the CRC means nothing.
+/// Bytes of a parameter's descriptor up to its last field, CRC included. A byte between the last field and the CRC,
+/// which makes 20 of them, means nothing.
 constexpr std::size_t kShortestParameter = 19;
 constexpr std::int32_t kParameterLength = 20;
 

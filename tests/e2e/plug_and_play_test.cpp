@@ -112,7 +112,7 @@ TEST_F(PlugAndPlayPage, TellsAPortThatAnotherProgramHolds) {
   OpenSession("belk");
   const std::unique_ptr<test::ConsoleProcess> other = OpenProgram(Device());
   EXPECT_THAT(other->Do("open frmPlugAndPlay"),
-              AllOf(HasSubstr(R"("window":"MsgBox")"), HasSubstr("Port already open")));
+              AllOf(HasSubstr(R"("window":"MsgBox")"), HasSubstr("is held by tarvo-console")));
   EXPECT_EQ(other->Do("answer OK"), kNothing);
   EXPECT_EQ(other->Get("MSComm1.PortOpen"), "false");
   EXPECT_EQ(other->Get("TimerRefresh.Enabled"), "false");

@@ -12,7 +12,7 @@ class GavenEnabling : public GavenFixture {
   static std::vector<std::string> Edits() {
     std::vector<std::string> edits = {"OptionGaven1", "OptionGaven2", "BaudGaven",
                                       "AddressGaven", "WEEPGaven",    "ResetGaven"};
-    for (int i = 0; i < kValues; ++i) edits.push_back(Value(i));
+    for (int i = 0; i < kElements; ++i) edits.push_back(Value(i));
     for (int i = 0; i < kInputs; ++i) edits.push_back(Member("FilterGaven", i));
     for (int i = 0; i < 3; ++i) edits.push_back(Member("CheckGaven", i));
     return edits;

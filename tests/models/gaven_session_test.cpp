@@ -9,15 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class GavenSession : public GavenFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("StartGaven");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-};
+class GavenSession : public GavenFixture {};
 
 TEST_F(GavenSession, IsThePageNumbered4) {
   EXPECT_EQ(Page().Name(), "Gaven");
@@ -52,7 +44,7 @@ TEST_F(GavenSession, PollsTheSecondBlockFromThenOn) {
   Run(std::chrono::seconds(1));
   const std::vector<std::string> log = module.TakeLog();
   EXPECT_THAT(log, SizeIs(20));
-  EXPECT_THAT(log, Each(kGavenPoll));
+  EXPECT_THAT(log, Each(kGaven.poll));
 }
 
 TEST_F(GavenSession, ReadsTheFirstBlockAgainAtTheNextStart) {
@@ -156,7 +148,7 @@ TEST_F(GavenSession, EndsWithStop) {
 TEST_F(GavenSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
   StartUntilRequest(3);
   Click("StopGaven");
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_FALSE(InSession());
   EXPECT_FALSE(PortOpen());
   EXPECT_TRUE(TimersRest());
@@ -173,7 +165,7 @@ TEST_F(GavenSession, IsRefusedToAModuleOfAnotherModel) {
     Set(kIdentity, identity);
     module.ForgetLog();
     Click("StartGaven");
-    EXPECT_THAT(BoxInFront(), IsBox(kNotAGaven, view::Icon::kCritical));
+    EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
     AnswerOk();
     EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
     EXPECT_FALSE(InSession());

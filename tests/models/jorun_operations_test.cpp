@@ -1,4 +1,4 @@
-// What others make the Jorun page do, and what it keeps for the bars.
+// What others make the Jorun page do.
 
 #include "models/jorun.h"
 #include "support/jorun_fixture.h"
@@ -6,107 +6,7 @@
 namespace tarvo::test {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-constexpr char kNotInitialised[] = "FullScaleTC non inizializzato";
-
-// The counts that fill a bar.
-
-class JorunFullScale : public JorunFixture {
- protected:
-  int FullScale(int input) const { return State().FullScaleTC.at(static_cast<std::size_t>(input)); }
-};
-
-TEST_F(JorunFullScale, BeginsAt16000) {
-  EXPECT_THAT(State().FullScaleTC, Each(16000));
-}
-
-TEST_F(JorunFullScale, FollowsTheUsersChoiceOfAType) {
-  for (int input = 0; input < kInputs; ++input) {
-    for (std::size_t type = 0; type < kTypes.size(); ++type) {
-      Choose(TypeList(input), static_cast<int>(type));
-      EXPECT_EQ(FullScale(input), kTypes.at(type).fullScale) << type;
-    }
-    Choose(TypeList(input), 5);
-    for (int other = 0; other < kInputs; ++other) EXPECT_EQ(FullScale(other), other <= input ? 4000 : 16000);
-  }
-}
-
-TEST_F(JorunFullScale, FollowsTheTypesOfTheModule) {
-  for (int input = 0; input < kInputs; ++input) Set(kType1 + input, 1 + input);
-  StartSession();
-  EXPECT_THAT(State().FullScaleTC, ElementsAre(10000, 12000, 17500, 17500));
-}
-
-TEST_F(JorunFullScale, IsTheModulesOwnAgainWhenAnotherPageHasChangedIt) {
-  Set(kType1, 1);
-  StartSession();
-  Click("StopJorun");
-  State().FullScaleTC.fill(16000);
-  Set(kValue1, 5000);
-  StartSession();
-  RunThroughADecode();
-  EXPECT_EQ(FullScale(0), 10000);
-  EXPECT_EQ(Percent("BargJorun(0)"), 50);
-}
-
-TEST_F(JorunFullScale, OfAnUnknownTypeStays) {
-  Choose(TypeList(0), 5);
-  Choose(TypeList(1), 6);
-  Set(kType1, 9);
-  Set(kType1 + 1, 65535);
-  StartSession();
-  EXPECT_EQ(FullScale(0), 4000);
-  EXPECT_EQ(FullScale(1), 18000);
-}
-
-TEST_F(JorunFullScale, BelowOneStopsAllBarsAndSaysSoAtEachTick) {
-  for (const int missing : {0, -1}) {
-    SCOPED_TRACE(missing);
-    for (int input = 0; input < kInputs; ++input) Set(kValue1 + input, 0);
-    StartSession();
-    RunThroughADecode();
-    const auto before = Percent("BargJorun(0)");
-    State().FullScaleTC[3] = static_cast<std::int16_t>(missing);
-    for (int input = 0; input < kInputs; ++input) Set(kValue1 + input, 8000 + input);
-    Set(kStatus, 0x0100);
-    for (int tick = 0; tick < 3; ++tick) {
-      ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }, std::chrono::seconds(1)));
-      EXPECT_THAT(BoxInFront(), IsBox(kNotInitialised, view::Icon::kCritical));
-      AnswerOk();
-    }
-    EXPECT_EQ(Text("ValueJorun(0)"), "8000");
-    EXPECT_EQ(Text("ValueJorun(3)"), "8003");
-    EXPECT_EQ(BackColor("OverflowJorun(0)"), 255);
-    EXPECT_EQ(Percent("BargJorun(0)"), before);
-    // Mended, it is silent and the bars go on.
-    State().FullScaleTC[3] = 16000;
-    if (BoxInFront() != nullptr) AnswerOk();
-    Run(std::chrono::seconds(1));
-    EXPECT_TRUE(NothingInFront());
-    EXPECT_EQ(Percent("BargJorun(0)"), 50);
-    Click("StopJorun");
-  }
-}
-
-TEST_F(JorunFullScale, BelowOneShowsOneBoxAtATime) {
-  StartSession();
-  State().FullScaleTC[0] = 0;
-  ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }));
-  Run(std::chrono::seconds(2));
-  EXPECT_EQ(program.GetScreen().ModalDepth(), 1U);
-}
-
-TEST_F(JorunFullScale, BelowOneLeavesTheModuleBeingPolled) {
-  StartSession();
-  State().FullScaleTC[0] = 0;
-  ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }));
-  module.ForgetLog();
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(module.TakeLog().size(), 20U);
-}
 
 // The routine that no flow calls.
 
@@ -142,7 +42,7 @@ class JorunFound : public JorunFixture {
   std::vector<std::string> Search() {
     module.ForgetLog();
     Click(kSearch);
-    RunUntil([this] { return program.GetScreen().Idle(); });
+    RunUntilIdle();
     return module.TakeLog();
   }
 };

@@ -8,15 +8,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class JorunSession : public JorunFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("StartJorun");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-};
+class JorunSession : public JorunFixture {};
 
 TEST_F(JorunSession, IsThePageNumbered5) {
   EXPECT_EQ(Page().Name(), "Jorun");
@@ -59,7 +51,7 @@ TEST_F(JorunSession, PollsStatusAndValuesFromThenOn) {
   Run(std::chrono::seconds(1));
   const std::vector<std::string> log = module.TakeLog();
   EXPECT_THAT(log, SizeIs(20));
-  EXPECT_THAT(log, Each(kJorunPoll));
+  EXPECT_THAT(log, Each(kJorun.poll));
 }
 
 TEST_F(JorunSession, HasSetTheFirstBlockBeforeTheIdentityIsRead) {
@@ -171,7 +163,7 @@ TEST_F(JorunSession, GivesTheSettingsBackBeforeStopWaitsForTheBus) {
 TEST_F(JorunSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
   StartUntilRequest(4);
   Click("StopJorun");
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_FALSE(InSession());
   EXPECT_FALSE(PortOpen());
   EXPECT_TRUE(TimersRest());
@@ -187,7 +179,7 @@ TEST_F(JorunSession, IsRefusedToAModuleOfAnotherModel) {
     Set(kIdentity, identity);
     module.ForgetLog();
     Click("StartJorun");
-    EXPECT_THAT(BoxInFront(), IsBox(kNotAJorun, view::Icon::kCritical));
+    EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
     AnswerOk();
     EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
     EXPECT_FALSE(InSession());

@@ -104,17 +104,6 @@ TEST_F(KelmarSession, LeavesWhatIsShownWhenItIsRefused) {
   EXPECT_EQ(Text(Value(0)), "5000");
 }
 
-TEST_F(KelmarSession, LeavesLampsAndValuesToTheFirstTick) {
-  Set(kStatus, 0xFF00);
-  Set(kValue1, 77);
-  StartSession();
-  EXPECT_THAT(LitLamps(), IsEmpty());
-  EXPECT_EQ(Text(Value(0)), "0");
-  RunThroughADecode();
-  EXPECT_EQ(LitLamps().size(), 8U);
-  EXPECT_EQ(Text(Value(0)), "77");
-}
-
 TEST_F(KelmarSession, HasLockedTheSettingsWhenTheFirstBlockIsRead) {
   ClickAndGoOn("StartKelmar");
   ExpectSettingsEnabled(true);

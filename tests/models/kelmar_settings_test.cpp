@@ -11,18 +11,7 @@ using testing::ElementsAreArray;
 
 // Write EEprom.
 
-class KelmarCommit : public KelmarFixture {
- protected:
-  /// A commit without a session up to its box, and the answer to it; gives what went over the line.
-  std::vector<std::string> Commit() {
-    module.ForgetLog();
-    Click("WEEPKelmar");
-    EXPECT_THAT(BoxInFront(), IsBox("EEProm updated! Please reset module to apply changes.", view::Icon::kInformation));
-    std::vector<std::string> exchanges = module.TakeLog();
-    AnswerOk();
-    return exchanges;
-  }
-};
+class KelmarCommit : public KelmarFixture {};
 
 TEST_F(KelmarCommit, WritesFlagsTypesAndFiltersInTheirOrder) {
   for (int input = 0; input < kInputs; ++input) {
@@ -98,31 +87,7 @@ TEST_F(KelmarCommit, TakesWhatWasChosenWithoutAWordOnTheLine) {
 
 // Calibration entry. What the dialog itself does is tested with it.
 
-class KelmarCalibrationEntry : public KelmarFixture {
- protected:
-  static constexpr char kTooOld[] = "Calibration impossible, firmware version is too old ";
-  static constexpr char kNoKelmar[] = "Calibration impossible,  module is not Kelmar";
-  static constexpr char kUnreadable[] = "Calibration impossible, unable to read";
-
-  void ExpectRefused(const char* text) {
-    EXPECT_THAT(BoxInFront(), IsBox(text, view::Icon::kCritical));
-    AnswerOk();
-    ExpectOffline();
-  }
-};
-
-TEST_F(KelmarCalibrationEntry, OpensTheDialogForItsInput) {
-  for (int input = 0; input < kInputs; ++input) {
-    module.ForgetLog();
-    Click(Cal(input));
-    EXPECT_EQ(WindowInFront(), "dlgCalForm");
-    EXPECT_EQ(program.FindWindow("dlgCalForm")->Caption, "Calibration Window, Input  " + std::to_string(input + 1));
-    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
-    EXPECT_FALSE(line.IsOpen());
-    Click("dlgCalForm.OKButton");
-    ExpectOffline();
-  }
-}
+class KelmarCalibrationEntry : public KelmarFixture {};
 
 TEST_F(KelmarCalibrationEntry, GivesTheDialogTheRegistersOfItsInput) {
   for (int input = 0; input < kInputs; ++input) {
@@ -149,59 +114,6 @@ TEST_F(KelmarCalibrationEntry, BeginsWithEmptyFieldsEachTime) {
   for (const char* field : {"tbSpan", "tbZero", "tbValueToSet(0)"}) {
     EXPECT_EQ(Text(std::string("dlgCalForm.") + field), "") << field;
   }
-}
-
-TEST_F(KelmarCalibrationEntry, TakesRelease1AndLater) {
-  for (const int release : {1, 2, 3, 255}) {
-    SetRelease(release);
-    Click(Cal(0));
-    EXPECT_EQ(WindowInFront(), "dlgCalForm") << release;
-    Click("dlgCalForm.OKButton");
-  }
-}
-
-TEST_F(KelmarCalibrationEntry, RefusesRelease0) {
-  SetRelease(0);
-  for (int input = 0; input < kInputs; ++input) {
-    Click(Cal(input));
-    ExpectRefused(kTooOld);
-  }
-}
-
-TEST_F(KelmarCalibrationEntry, RefusesAnotherModel) {
-  for (const int identity : {0x0603, 0x0B03, 0x8C03, 0x000C}) {
-    Set(kIdentity, identity);
-    Click(Cal(1));
-    ExpectRefused(kNoKelmar);
-  }
-}
-
-TEST_F(KelmarCalibrationEntry, RefusesWithoutAnAnswer) {
-  module.Always(ModuleFault::Unheard());
-  Click(Cal(2));
-  ExpectRefused(kUnreadable);
-}
-
-TEST_F(KelmarCalibrationEntry, RefusesWhenTheReadIsRefused) {
-  module.Next(ModuleFault::Exception(2));
-  Click(Cal(2));
-  ExpectRefused(kUnreadable);
-}
-
-TEST_F(KelmarCalibrationEntry, RefusesWithoutAPort) {
-  ports.Disconnect(1);
-  Click(Cal(2));
-  ExpectRefused(kUnreadable);
-}
-
-TEST_F(KelmarCalibrationEntry, LeavesThePageAsItWas) {
-  Click(Cal(0));
-  EXPECT_TRUE(TimersRest());
-  Click("dlgCalForm.OKButton");
-  ExpectSettingsEnabled(true);
-  StartSession();
-  RunThroughADecode();
-  EXPECT_EQ(Text("MessageKelmar"), "OK");
 }
 
 // The search.

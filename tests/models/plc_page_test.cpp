@@ -571,20 +571,7 @@ TEST_P(PlcLiveFlags, AllReachTheModuleHoweverQuickTheClicks) {
 
 // Write EEprom.
 
-constexpr char kUpdated[] = "EEProm updated! Please reset module to apply changes.";
-
-class PlcCommit : public PlcPageTest {
- protected:
-  /// A commit up to its box, and the answer to it; gives what went over the line.
-  std::vector<std::string> Commit() {
-    Exchanges();
-    Click(Own("WEEP"));
-    EXPECT_THAT(BoxInFront(), IsBox(kUpdated, view::Icon::kInformation));
-    std::vector<std::string> exchanges = Exchanges();
-    AnswerOk();
-    return exchanges;
-  }
-};
+class PlcCommit : public PlcPageTest {};
 
 INSTANTIATE_TEST_SUITE_P(Pages, PlcCommit, testing::Values(HollinPage(), KelmarPage()), NameOf);
 
@@ -670,7 +657,7 @@ TEST_P(PlcCommit, LeavesThePollingToGoOnInASession) {
   Unlock(Own("WEEP"));
   RunIntoAPoll();
   Click(Own("WEEP"));
-  ASSERT_THAT(BoxInFront(), IsBox(kUpdated, view::Icon::kInformation));
+  ASSERT_THAT(BoxInFront(), IsBox(kCommitted, view::Icon::kInformation));
   EXPECT_TRUE(TimersRest());
   EXPECT_TRUE(InSession());
   const std::vector<std::string> exchanges = Exchanges();

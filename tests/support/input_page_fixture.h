@@ -1,0 +1,139 @@
+#pragma once
+
+#include <array>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "pages/device_page.h"
+#include "support/page_fixture.h"
+#include "support/run_task.h"
+
+namespace tarvo::test {
+
+/// A page of four analogue inputs, each with a lamp for its overflow.
+struct InputPage {
+  const char* model;
+  const char* label;  ///< what brings the page to the screen
+  const char* menu;
+  const char* commit;  ///< buttons, but for the model
+  const char* reset;
+  int code;     ///< high byte of the identity
+  int release;  ///< of the firmware, where a test asks for no other
+  const char* poll;
+
+  friend std::ostream& operator<<(std::ostream& out, const InputPage& page) { return out << page.model; }
+};
+
+inline constexpr char kCommitted[] = "EEProm updated! Please reset module to apply changes.";
+
+inline constexpr InputPage kGaven = {"Gaven", "labGaven", "MenuGaven", "WEEP", "Reset", 0x07, 2, "reads 40013 x12"};
+inline constexpr InputPage kHollin = {"Hollin", "MenuHollin",     "MenuHollin", "WEEP", "Reset", 0x0B,
+                                      1,        "reads 40013 x12"};
+inline constexpr InputPage kJorun = {"Jorun",     "labJorun", "menuJorun", "buttWEEP",
+                                     "buttReset", 0x06,       3,           "reads 40012 x5"};
+inline constexpr InputPage kKelmar = {"Kelmar", "menuKelmar", "menuKelmar", "WEEP", "Reset", 0x0C, 1, "reads 40012 x5"};
+
+/// Such a page with its module on COM1: 9600,n,8,1, address 1, all else 0.
+class InputPageFixture : public PageFixture {
+ protected:
+  static constexpr int kCommunication = 40002;
+  static constexpr int kFlags = 40003;
+  static constexpr int kStoredCommunication = 40066;
+  static constexpr int kInputs = 4;
+  static constexpr int kLamps = 8;
+
+  static constexpr int kNegativeColour = 255;
+  static constexpr int kPositiveColour = 0xFF8080;
+
+  explicit InputPageFixture(const InputPage& page)
+      : PageFixture(PageNames{.model = page.model, .label = page.label, .menu = page.menu}), inputs_(page) {
+    SetRelease(page.release);
+    Set(kCommunication, 0x0101);
+    Set(kStoredCommunication, 0x0101);
+    OpenPage();
+  }
+
+  void SetRelease(int release) { Set(kIdentity, inputs_.code << 8 | release); }
+  /// Any value that fits 16 bits with or without sign.
+  void Set(int number, int value) { module[number] = static_cast<std::uint16_t>(value); }
+
+  /// "Start" gives "StartHollin".
+  std::string Own(const char* control) const { return std::string(control) + inputs_.model; }
+  std::string Own(const char* array, int index) const { return Member(Own(array).c_str(), index); }
+  std::string Label() const { return Own("MDIForm1.lab"); }
+  std::string Menu() const { return std::string("MDIForm1.") + inputs_.menu; }
+  std::string Lamp(int element) const { return Own("Overflow", element); }
+  std::string Bar(int input) const { return Own("Barg", input); }
+  int FillColor(int input) const { return Number(Bar(input), "FillColor"); }
+  std::string NotOurs() const {
+    return std::string("ERROR! Module is not ") + inputs_.model + " or communication failed";
+  }
+
+  /// A session that has just begun, after the one before it, if any.
+  void Begin() {
+    if (InSession()) Click(Own("Stop"));
+    Click(Own("Start"));
+    ASSERT_TRUE(InSession());
+  }
+  /// Presses Start and lets time go by until the module has taken so many requests.
+  void StartUntilRequest(int requests) {
+    const int before = module.Requests();
+    ClickAndGoOn(Own("Start"));
+    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
+  }
+  /// Lets time go by until no gesture's handler is under way.
+  void RunUntilIdle() {
+    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  }
+
+  /// A commit up to its box, and the answer to it; gives what went over the line.
+  std::vector<std::string> Commit() {
+    module.ForgetLog();
+    Click(Own(inputs_.commit));
+    EXPECT_THAT(BoxInFront(), IsBox(kCommitted, view::Icon::kInformation));
+    std::vector<std::string> exchanges = Exchanges();
+    AnswerOk();
+    return exchanges;
+  }
+  /// What the search makes the page on the screen do.
+  void ReadEEPromFlags() { RunTask(scheduler, dynamic_cast<pages::DevicePage&>(Page()).ReadEEPromFlags()); }
+
+  /// What went over the line, the polls of a session left out.
+  std::vector<std::string> Exchanges() { return TakeExchanges(inputs_.poll); }
+
+  /// The lamps that are lit; the others must be dark.
+  std::vector<int> LitLamps() const {
+    std::vector<int> lit;
+    for (int lamp = 0; lamp < kLamps; ++lamp) {
+      const int colour = BackColor(Lamp(lamp));
+      if (colour == 255) {
+        lit.push_back(lamp);
+      } else {
+        EXPECT_EQ(colour, 64) << lamp;
+      }
+    }
+    return lit;
+  }
+
+  void ExpectOffline() const {
+    EXPECT_FALSE(InSession());
+    EXPECT_TRUE(TimersRest());
+    EXPECT_FALSE(line.IsOpen());
+    for (const char* button : {"Start", inputs_.commit, inputs_.reset}) EXPECT_TRUE(Enabled(Own(button))) << button;
+    EXPECT_TRUE(Enabled(Label()));
+    EXPECT_TRUE(Enabled(Menu()));
+    EXPECT_FALSE(Hourglass());
+    EXPECT_TRUE(NothingInFront());
+  }
+  void ExpectNothingOnTheLine() {
+    Run(std::chrono::seconds(1));
+    EXPECT_EQ(ports.Attempts(), 0);
+    EXPECT_THAT(module.TakeLog(), testing::IsEmpty());
+  }
+
+ private:
+  const InputPage& inputs_;
+};
+
+}  // namespace tarvo::test

@@ -6,14 +6,24 @@ namespace tarvo::test {
 namespace {
 
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 // In a session.
 
-class CommitInSession : public CommitFixture {};
+class CommitInSession : public CommitFixture {
+ protected:
+  void ExpectEachSpeedWritten(const std::vector<int>& codes) {
+    ASSERT_EQ(ItemData("BaudBelk"), codes);
+    for (std::size_t position = 0; position < codes.size(); ++position) {
+      Choose("BaudBelk", static_cast<int>(position));
+      module.ForgetLog();
+      Click("WEEPBelk");
+      AnswerOk();
+      EXPECT_THAT(Exchanges(), Contains(Writing(40074, codes.at(position) << 8 | 1)));
+    }
+  }
+};
 
 TEST_F(CommitInSession, WritesTheThreeImagesInTheirOrder) {
   module[kFlags] = 0xABC5;
@@ -50,29 +60,13 @@ TEST_F(CommitInSession, KeepsAnEditThroughThePollUntilTheCommit) {
 
 TEST_F(CommitInSession, WritesTheCodeOfEachSpeed) {
   StartSession();
-  const std::vector<int> codes = {6, 7, 0, 1, 2, 3, 4};
-  ASSERT_EQ(ItemData("BaudBelk"), codes);
-  for (std::size_t position = 0; position < codes.size(); ++position) {
-    Choose("BaudBelk", static_cast<int>(position));
-    module.ForgetLog();
-    Click("WEEPBelk");
-    AnswerOk();
-    EXPECT_THAT(Exchanges(), Contains(Writing(40074, codes.at(position) << 8 | 1)));
-  }
+  ExpectEachSpeedWritten({6, 7, 0, 1, 2, 3, 4});
 }
 
 TEST_F(CommitInSession, WritesTheCodeOfEachSpeedOfAnOldRelease) {
   SetRelease(2);
   StartSession();
-  const std::vector<int> codes = {0, 1, 2, 3, 4};
-  ASSERT_EQ(ItemData("BaudBelk"), codes);
-  for (std::size_t position = 0; position < codes.size(); ++position) {
-    Choose("BaudBelk", static_cast<int>(position));
-    module.ForgetLog();
-    Click("WEEPBelk");
-    AnswerOk();
-    EXPECT_THAT(Exchanges(), Contains(Writing(40074, codes.at(position) << 8 | 1)));
-  }
+  ExpectEachSpeedWritten({0, 1, 2, 3, 4});
 }
 
 TEST_F(CommitInSession, WritesTheBoundsOfTheEdits) {
@@ -127,17 +121,6 @@ TEST_F(CommitInSession, HoldsPollButtonsAndPointerUntilItsBoxIsAnswered) {
   ExpectSessionGoesOn();
 }
 
-TEST_F(CommitInSession, WaitsForThePollThatIsUnderWay) {
-  StartSession();
-  RunIntoAPoll();
-  module.ForgetLog();
-  Click("WEEPBelk");
-  AnswerOk();
-  const std::vector<std::string> log = module.TakeLog();
-  EXPECT_THAT(log, ElementsAre("writes 40072 = 0x000A", "writes 40073 = 0x0000", "writes 40074 = 0x0101"));
-  EXPECT_EQ(Text("MessageBelk"), "OK");
-}
-
 TEST_F(CommitInSession, DoesNotTestItsWrites) {
   StartSession();
   module.Always(ModuleFault::Exception(4));
@@ -169,17 +152,6 @@ TEST_F(CommitInSession, LeavesTheTimersAtRestWhenTheSessionIsStoppedMeanwhile) {
   if (BoxInFront() != nullptr) AnswerOk();
   ASSERT_TRUE(RunUntil([&] { return commit->Done(); }));
   ExpectOffline();
-}
-
-TEST_F(CommitInSession, ChangesNoneOfThePcsSettings) {
-  StartSession();
-  Edit("AddressBelk", "17");
-  Choose("BaudBelk", 5);
-  Click("WEEPBelk");
-  AnswerOk();
-  EXPECT_EQ(State().PCSettings, "9600,n,8,1");
-  EXPECT_EQ(State().PCPort, 1);
-  EXPECT_EQ(State().ModuleAddress, 1);
 }
 
 TEST_F(CommitInSession, CanBeRepeated) {
@@ -230,41 +202,12 @@ TEST_F(CommitOffline, WritesTheFlagsOfTheLastSession) {
               ElementsAre("reads 40001", "writes 40072 = 0x000A", "writes 40073 = 0xFF44", "writes 40074 = 0x0101"));
 }
 
-TEST_F(CommitOffline, SetsThePollAndTheBusAsStartDoes) {
-  MemoryLine otherLine(scheduler);
-  MemoryModule otherModule(scheduler, otherLine, 7);
-  otherModule.Line = {19200, bus::Parity::kEven};
-  otherModule[kIdentity] = 0x0103;
-  ports.Connect(2, otherLine);
-  State().PCPort = 2;
-  State().PCSettings = "19200,e,8,1";
-  Click("MDIForm1.LabPCSetup");
-  Click("PCAddress");
-  AnswerChangeValue("7");
-  Click("MDIForm1.labBelk");
-  Modcom().LinkParamA = 1;
-  Modcom().LinkParamB = 1;
+TEST_F(CommitOffline, SetsThePollAsStartDoes) {
+  State().PollCount = 1;
   Click("WEEPBelk");
   EXPECT_EQ(State().PollRegister.Number(), 40002);
   EXPECT_EQ(State().PollCount, 9);
-  EXPECT_EQ(Modcom().CommPort(), 2);
-  EXPECT_EQ(Modcom().Settings(), "19200,e,8,1");
-  EXPECT_EQ(Modcom().LinkParamA(), 3);
-  EXPECT_EQ(Modcom().LinkParamB(), 3);
-  EXPECT_EQ(Modcom().ModuleAddr(), 7);
-  EXPECT_THAT(BoxInFront(), IsBox(kCommitted, view::Icon::kInformation));
   AnswerOk();
-  EXPECT_FALSE(otherLine.IsOpen());
-}
-
-TEST_F(CommitOffline, KeepsThePortUntilItsBoxIsAnswered) {
-  Click("WEEPBelk");
-  ASSERT_NE(BoxInFront(), nullptr);
-  EXPECT_TRUE(PortOpen());
-  EXPECT_FALSE(Enabled("WEEPBelk"));
-  EXPECT_FALSE(Enabled("ResetBelk"));
-  AnswerOk();
-  ExpectOffline();
 }
 
 TEST_F(CommitOffline, BeginsNoSession) {
@@ -281,25 +224,6 @@ TEST_F(CommitOffline, BeginsNoSession) {
   ExpectStartWorks();
 }
 
-TEST_F(CommitOffline, IsTornByNothing) {
-  const auto commit = ClickAndGoOn("WEEPBelk");
-  ASSERT_TRUE(RunUntil([this] { return module.Requests() == 2; }));
-  for (const char* name : {"labBelk", "MenuBelk", "LabHome", "MenuHome", "LabPCSetup", "MenuPCSetup", "buttCheckDevice",
-                           "mnuCheckconnection"}) {
-    EXPECT_NE(RefusalOf(std::string("MDIForm1.") + name), "") << name;
-  }
-  Close();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_FALSE(program.Ended());
-  ASSERT_TRUE(RunUntil([this] { return BoxInFront() != nullptr; }));
-  EXPECT_THAT(BoxInFront(), IsBox(kCommitted, view::Icon::kInformation));
-  AnswerOk();
-  EXPECT_THAT(module.TakeLog(),
-              ElementsAre("reads 40001", "writes 40072 = 0x0001", "writes 40073 = 0x0000", "writes 40074 = 0x0101"));
-  ExpectOffline();
-}
-
 TEST_F(CommitOffline, IsNotDisturbedByStart) {
   const auto commit = ClickAndGoOn("WEEPBelk");
   ASSERT_TRUE(RunUntil([this] { return module.Requests() == 2; }));
@@ -310,46 +234,6 @@ TEST_F(CommitOffline, IsNotDisturbedByStart) {
   EXPECT_THAT(module.TakeLog(),
               ElementsAre("reads 40001", "writes 40072 = 0x0001", "writes 40073 = 0x0000", "writes 40074 = 0x0101"));
   ExpectOffline();
-}
-
-TEST_F(CommitOffline, IsRefusedByAModuleOfAnotherModel) {
-  module[kIdentity] = 0x0203;
-  Click("WEEPBelk");
-  ExpectRefused();
-  module[kIdentity] = 0x0103;
-  ExpectStartWorks();
-}
-
-TEST_F(CommitOffline, WritesNothingToAModuleOfAnotherModel) {
-  module[kIdentity] = 0x8103;
-  Click("WEEPBelk");
-  AnswerOk();
-  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
-}
-
-TEST_F(CommitOffline, IsRefusedWithoutAModule) {
-  module.Always(ModuleFault::Unheard());
-  Click("WEEPBelk");
-  ExpectRefused();
-  module.Always(ModuleFault::None());
-  ExpectStartWorks();
-}
-
-TEST_F(CommitOffline, IsRefusedByAPortThatDoesNotOpen) {
-  for (const char* fault : {core::kPortAlreadyOpen, core::kDeviceNotFound}) {
-    SCOPED_TRACE(fault);
-    ports.SetFault(1, fault);
-    Click("WEEPBelk");
-    ExpectRefused();
-  }
-  ports.SetFault(1, {});
-  ExpectStartWorks();
-}
-
-TEST_F(CommitOffline, NeedsTheModuleAtThePcsAddress) {
-  module.Address = 9;
-  Click("WEEPBelk");
-  ExpectRefused();
 }
 
 }  // namespace

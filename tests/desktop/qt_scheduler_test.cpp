@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "desktop/front.h"
-#include "support/test_windows.h"
+#include "support/desktop_windows.h"
 
 namespace tarvo::test {
 namespace {

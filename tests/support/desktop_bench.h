@@ -11,7 +11,7 @@
 #include "core/virtual_scheduler.h"
 #include "desktop/front.h"
 #include "desktop/text.h"
-#include "support/test_windows.h"
+#include "support/desktop_windows.h"
 #include "support/window_hands.h"
 
 namespace tarvo::test {

@@ -9,8 +9,8 @@
 
 #include "core/fault.h"
 #include "core/scheduler.h"
+#include "support/bare_window.h"
 #include "view/screen.h"
-#include "view/window.h"
 
 namespace tarvo::test {
 
@@ -18,12 +18,10 @@ namespace tarvo::test {
 using Log = std::vector<std::string>;
 
 /// A window that writes down what befalls it ("Belk Load"). Controls come with a window that derives from it.
-class TestWindow : public view::Window {
+class TestWindow : public BareWindow {
  public:
-  TestWindow(view::Screen& screen, std::string_view name, Log& log) : Window(screen, name, name), log_(log) {}
+  TestWindow(view::Screen& screen, std::string_view name, Log& log) : BareWindow(screen, name), log_(log) {}
   ~TestWindow() override { CancelTasks(); }
-
-  view::Node Arrangement() const override { return {}; }
 
   void Load() override { Note("Load"); }
   core::Task<> Activate() override {
@@ -57,8 +55,6 @@ class TestWindow : public view::Window {
   view::Handler Failing(std::string description) {
     return [description] { return FailTask(description); };
   }
-
-  void EndTasks() { CancelTasks(); }
 
  protected:
   void Note(std::string_view what) { log_.push_back(Name() + " " + std::string(what)); }

@@ -1,6 +1,4 @@
-// The Gaven page against a simulated module: what is shown of it, what the user changes and stores, and the search.
-
-#include <array>
+// The Gaven page against a simulated module: what the user changes and stores.
 
 #include "e2e/page_bench.h"
 
@@ -8,12 +6,8 @@ namespace tarvo {
 namespace {
 
 using test::BoxJson;
-using test::kLampOff;
-using test::kLampOn;
 using test::kNothing;
 using test::kValueDialog;
-using test::kWrongComm;
-using test::Life;
 
 const std::string kNotGaven = BoxJson("ERROR! Module is not Gaven or communication failed", "critical");
 const std::string kUpdated = BoxJson("EEProm updated! Please reset module to apply changes.", "information");
@@ -43,37 +37,6 @@ class GavenPage : public test::PageBench {
     Do("wait 350ms");
   }
 };
-
-TEST_F(GavenPage, ShowsRawAndScaledValues) {
-  OpenSession("gaven:40017=1000,40018=65535,40019=2,40020=32768,40021=55536,40022=10001,40023=50,40024=7");
-  const std::array<std::pair<int, std::string>, 8> shown = {
-      {{2, "1000"}, {5, "-1"}, {9, "2"}, {13, "-32768"}, {3, "-10000"}, {4, "10001"}, {8, "50"}, {12, "7"}}};
-  for (const auto& [element, text] : shown) EXPECT_EQ(Get(Member("ValueGaven", element) + ".Caption"), text);
-  LetPoll();
-  EXPECT_EQ(Get("BargGaven(0).Percent"), "100");
-  EXPECT_EQ(Get("BargGaven(0).FillColor"), "255");
-  EXPECT_EQ(Get("BargGaven(1).Percent"), "100");
-  EXPECT_EQ(Get("BargGaven(1).FillColor"), std::to_string(0xFF8080));
-  EXPECT_EQ(Get("BargGaven(2).Percent"), "0");
-}
-
-TEST_F(GavenPage, ShowsOverAndUnderflowOfEachInput) {
-  OpenSession("gaven:40016=0x9600");
-  LetPoll();
-  constexpr std::array<bool, 8> kLit = {true, false, false, true, false, true, true, false};
-  for (int i = 0; i < 8; ++i) {
-    EXPECT_EQ(Get(Member("OverflowGaven", i) + ".BackColor"), kLit[static_cast<std::size_t>(i)] ? kLampOn : kLampOff)
-        << i;
-  }
-}
-
-TEST_F(GavenPage, ShowsALivingModule) {
-  OpenSession("gaven", Life::kLive);
-  for (const char* raw : {"ValueGaven(3)", "ValueGaven(4)", "ValueGaven(8)", "ValueGaven(12)"}) {
-    const std::string before = Get(raw + std::string(".Caption"));
-    Until(raw + std::string(".Caption != ") + before);
-  }
-}
 
 TEST_F(GavenPage, TogglesTheFlagsInTheModule) {
   OpenSession("gaven:40003=0x0041");
@@ -156,51 +119,6 @@ TEST_F(GavenPage, HasTheSlowRatesByTheFirmware) {
   OpenConsole();
   StartSession();
   EXPECT_EQ(Get("BaudGaven.List"), R"(["1200","2400","4800","9600","19200","38400","57600"])");
-}
-
-TEST_F(GavenPage, RefusesAModuleOfAnotherModel) {
-  StartSimulator("belk");
-  OpenConsole();
-  for (const char* button : {"StartGaven", "WEEPGaven", "ResetGaven"}) {
-    EXPECT_EQ(Do(std::string("click ") + button), kNotGaven) << button;
-    EXPECT_EQ(Do("answer OK"), kNothing);
-    ExpectOffline();
-  }
-  EXPECT_EQ(Register(11), 0);
-}
-
-TEST_F(GavenPage, TellsAVanishedModuleAndTakesItBack) {
-  OpenSession("gaven:40021=77");
-  simulator->Freeze();
-  Until("MessageGaven.Caption = \"" + kWrongComm + "\"");
-  EXPECT_EQ(Get("ValueGaven(3).Caption"), "77");
-  simulator->Thaw();
-  Until("MessageGaven.Caption = OK");
-}
-
-TEST_F(GavenPage, IsFoundByTheSearch) {
-  StartSimulator("gaven:line=38400n81,40008=1234,40015=65535,40006=2");
-  OpenConsole();
-  Do("click LabHome");
-  Do("nowait click buttCheckDevice");
-  Until("StatusBar1(2).Text contains Connected", "20s");
-  Do("idle within 5s");
-  EXPECT_EQ(Get("StatusBar1(2).Text"), "Connected to Gaven, COM1,38400,n,8,1  Module Address:1");
-  EXPECT_EQ(Get("NrFinestra"), "4");
-  ExpectOffline();
-  EXPECT_EQ(Get("ValueGaven(1).Caption"), "1234");
-  EXPECT_EQ(Get("ValueGaven(14).Caption"), "-1");
-  EXPECT_EQ(Get("FilterGaven(2).ListIndex"), "2");
-  EXPECT_EQ(Get("BaudGaven.Text"), "38400");
-  StartSession();
-}
-
-TEST_F(GavenPage, IsShownAsTextWithItsFourInputs) {
-  OpenSession("gaven:40021=4321");
-  const std::string page = console->Try("show").Line();
-  for (const char* words : {"Input 1", "Input 2", "Input 3", "Input 4", "Start Scale", "Raw Input", "4321"}) {
-    EXPECT_THAT(page, testing::HasSubstr(words));
-  }
 }
 
 }  // namespace

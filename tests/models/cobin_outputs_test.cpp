@@ -130,7 +130,7 @@ TEST_F(CobinOutputs, OfFiveQuickClicksInTheMiddleOfAPollAllReachTheModule) {
   RunIntoAPoll();
   module.ForgetLog();
   for (int i = 0; i < kOutputCount; ++i) ClickAndGoOn(Out(i));
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_THAT(module.TakeLog(), SizeIs(10));
   EXPECT_EQ(module[kOutputs], 0x15);
   Run(std::chrono::seconds(1));

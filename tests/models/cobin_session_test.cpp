@@ -9,11 +9,6 @@ using testing::SizeIs;
 
 class CobinSession : public CobinFixture {
  protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    ClickAndGoOn("StartCobin");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == requests; }));
-  }
   void ExpectButtons(bool enabled) const {
     for (int i = 0; i < kOutputCount; ++i) {
       EXPECT_EQ(Enabled(Out(i)), enabled) << Out(i);

@@ -21,11 +21,6 @@ constexpr char kCommitted[] = "EEProm updated! Please reset module to apply chan
 
 class DravoSession : public DravoFixture {
  protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    ClickAndGoOn("StartDravo");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == requests; }));
-  }
   void ExpectOffline() {
     EXPECT_FALSE(InSession());
     EXPECT_TRUE(TimersRest());
@@ -167,7 +162,7 @@ TEST_F(DravoSession, StopGivesAllBack) {
 TEST_F(DravoSession, StoppedWhileItStartsLeavesNothingBehind) {
   StartUntilRequest(3);
   ClickAndGoOn("StopDravo");
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   ExpectOffline();
   StartSession();
 }

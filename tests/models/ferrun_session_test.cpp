@@ -9,14 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class FerrunSession : public FerrunFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    ClickAndGoOn("StartFerrun");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == requests; }));
-  }
-};
+class FerrunSession : public FerrunFixture {};
 
 // Start, in the order that is told.
 

@@ -90,7 +90,7 @@ class GavenSearch : public GavenFixture {
     module.ForgetLog();
     ClickAndGoOn("buttCheckDevice");
     ASSERT_TRUE(RunUntil([this] { return State().SearchRunning == state::kFalse; }));
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+    RunUntilIdle();
   }
 };
 

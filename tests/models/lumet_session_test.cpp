@@ -176,7 +176,7 @@ TEST_F(LumetSession, StartGoesOnWhenItsReadsAreRefused) {
 TEST_F(LumetSession, StartIsUndoneByAStopDuringItsFirstPoll) {
   StartUntilRequest(6);
   Click("StopLumet");
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_FALSE(Playing("MediaPlayer1"));
   ExpectOffline();
   StartSession();

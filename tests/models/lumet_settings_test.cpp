@@ -489,7 +489,7 @@ class LumetSearch : public LumetFixture {
     module.ForgetLog();
     Click("MDIForm1.buttCheckDevice");
     ASSERT_TRUE(RunUntil([this] { return State().SearchRunning == state::kFalse && NothingInFront(); }));
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+    RunUntilIdle();
   }
 };
 

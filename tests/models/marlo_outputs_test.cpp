@@ -242,7 +242,7 @@ TEST_F(MarloOutputs, OfTenQuickClicksInTheMiddleOfAPollAllReachTheModule) {
   const History message(At("MessageMarlo"), "Caption");
   RunIntoAPoll();
   for (int i = 0; i < kCount; ++i) ClickAndGoOn(Out(i));
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_EQ(module[kOutputs], 0x0155);
   Run(std::chrono::seconds(1));
   EXPECT_EQ(OutputsShown(), 0x0155);

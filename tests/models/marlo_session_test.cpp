@@ -11,15 +11,7 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class MarloSession : public MarloFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests of it.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("buttStartMarlo");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-};
+class MarloSession : public MarloFixture {};
 
 // Start, in the order that is told.
 

@@ -81,7 +81,7 @@ TEST_P(NerithEntry, KeepsTheUserOnThePageUntilTheModuleIsRead) {
   for (const char* name : {"LabHome", "labBelk", "MenuBelk", "buttCheckDevice"}) {
     EXPECT_NE(RefusalOf(std::string("MDIForm1.") + name), "") << name;
   }
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   ExpectEntered();
 }
 
@@ -89,7 +89,7 @@ TEST_P(NerithEntry, HasItsNumberOnlyWhenTheModuleIsRead) {
   EnterUntilRequest(5);
   EXPECT_NE(State().NrFinestra, 9);
   EXPECT_EQ(State().pageReadDone, state::kFalse);
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   ExpectEntered();
 }
 

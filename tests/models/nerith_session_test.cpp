@@ -1,5 +1,4 @@
-// Session of the page of Nerith and Pellor: Start, Stop, what enables its settings, and the button Module Reset, which
-// has nothing to write to.
+// Session of the page of Nerith and Pellor: its Start, and what enables its settings.
 
 #include "support/nerith_fixture.h"
 
@@ -18,15 +17,7 @@ std::vector<std::string> ReadsOfStart() {
   return {"reads 40001", "reads 40001", "reads 40035"};
 }
 
-class NerithSession : public NerithFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("StartNerith");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-};
+class NerithSession : public NerithFixture {};
 
 // Start.
 
@@ -56,15 +47,6 @@ TEST_F(NerithSession, KeepsSettingsThatWereChangedInTheViewBeforeIt) {
   EXPECT_EQ(ListIndex("cbUnits"), 3);
   EXPECT_EQ(ListIndex(Dump(0)), 6);
   EXPECT_TRUE(Checked("checkParity"));
-}
-
-TEST_F(NerithSession, HasOpenedThePortBeforeTheIdentityIsRead) {
-  ClickAndGoOn("StartNerith");
-  EXPECT_TRUE(Hourglass());
-  EXPECT_TRUE(PortOpen());
-  EXPECT_EQ(State().StartComm, state::kFalse);
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  EXPECT_TRUE(TimersRest());
 }
 
 TEST_F(NerithSession, HasBegunWhenThePageReadsItsModule) {
@@ -115,12 +97,6 @@ TEST_F(NerithSession, HasDoneAllWhenStartEnds) {
   EXPECT_EQ(State().NrFinestra, 9);
 }
 
-TEST_F(NerithSession, LeavesTheKindOfRunAsItWas) {
-  State().RunKind = 77;
-  StartSession();
-  EXPECT_EQ(State().RunKind, 77);
-}
-
 TEST_F(NerithSession, PollsFiveRegistersEveryHalfSecond) {
   EXPECT_EQ(Interval("TimerLetturaSeriale"), 500);
   EXPECT_EQ(Interval("TimerGestioneLetture"), 200);
@@ -136,11 +112,6 @@ TEST_F(NerithSession, PollsFiveRegistersOfAThreeChannelModuleToo) {
   ExpectSessionGoesOn();
 }
 
-TEST_F(NerithSession, TakesNoSecondStart) {
-  StartSession();
-  EXPECT_EQ(RefusalOf("StartNerith"), "StartNerith is disabled");
-}
-
 TEST_F(NerithSession, IsRefusedToAModuleOfAnotherModel) {
   for (const int identity : {0x0A12, 0x0712, 0x1612, 0x0012, 0x8812, 0x8912, 0x1208, 0x0000}) {
     SCOPED_TRACE(identity);
@@ -154,16 +125,6 @@ TEST_F(NerithSession, IsRefusedToAModuleOfAnotherModel) {
     ExpectOffline();
   }
   SetKind(kPellor, kOld);
-  StartSession();
-}
-
-TEST_F(NerithSession, IsRefusedToASilentModule) {
-  module.Always(ModuleFault::Unheard());
-  Click("StartNerith");
-  EXPECT_THAT(BoxInFront(), IsBox(kNotANerith, view::Icon::kCritical));
-  AnswerOk();
-  module.Always(ModuleFault::None());
-  ExpectOffline();
   StartSession();
 }
 
@@ -254,79 +215,6 @@ TEST_P(NerithEnabling, StaysAfterStop) {
   EXPECT_EQ(Enabled(Sensor(3)), GetParam().channels == 4);
 }
 
-// Stop and leaving.
-
-TEST_F(NerithSession, EndsWithStop) {
-  StartSession();
-  Click("StopOswin");
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  ExpectOffline();
-  StartSession();
-}
-
-TEST_F(NerithSession, ReadsNothingWhenItEnds) {
-  StartSession();
-  Run(std::chrono::seconds(2));
-  module.ForgetLog();
-  Click("StopOswin");
-  Run(std::chrono::seconds(2));
-  EXPECT_THAT(Exchanges(), IsEmpty());
-}
-
-TEST_F(NerithSession, IsUndoneByStopWhileThePageReadsItsModule) {
-  // Where there is no session yet, Stop does nothing and Start goes on.
-  for (int requests = 1; requests <= 3; ++requests) {
-    SCOPED_TRACE(requests);
-    StartUntilRequest(requests);
-    const bool begun = InSession();
-    EXPECT_EQ(begun, requests > 1);
-    ClickAndGoOn("StopOswin");
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
-    EXPECT_EQ(InSession(), !begun);
-    if (InSession()) Click("StopOswin");
-    EXPECT_FALSE(Playing("MediaPlayer1"));
-    ExpectOffline();
-  }
-  StartSession();
-}
-
-TEST_F(NerithSession, WaitsAtStopForThePollUnderWay) {
-  StartSession();
-  RunIntoAPoll();
-  const History message(At("frmNerith.labMessage"), "Caption");
-  Click("StopOswin");
-  EXPECT_THAT(message.Values<std::string>(), testing::Not(testing::Contains(std::string(kPollFailed))));
-  ExpectOffline();
-}
-
-TEST_F(NerithSession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_EQ(Page().Name(), "frmNerith");
-  ExpectSessionGoesOn();
-}
-
-TEST_F(NerithSession, TakesNoticeOfEscapeWithoutEnding) {
-  StartSession();
-  PressKey(view::Key::kEscape);
-  EXPECT_EQ(State().EscPressed, 1);
-  ExpectSessionGoesOn();
-}
-
-TEST_F(NerithSession, OutlivesAModuleThatIsPulledOut) {
-  StartSession();
-  line.Lose();
-  Run(std::chrono::seconds(2));
-  EXPECT_EQ(Message(), kPollFailed);
-  EXPECT_TRUE(InSession());
-  EXPECT_TRUE(NothingInFront());
-  Click("StopOswin");
-  EXPECT_FALSE(InSession());
-  EXPECT_FALSE(PortOpen());
-}
-
 // No setting goes to the module by itself.
 
 TEST_F(NerithSession, WritesNothingThoughEverySettingIsChanged) {
@@ -360,30 +248,6 @@ TEST_F(NerithSession, LeavesChangedSettingsToTheUser) {
   EXPECT_EQ(ListIndex("cbUnits"), 3);
   EXPECT_EQ(ListIndex(Range(1)), 0);
   EXPECT_FALSE(Checked(Conv(2)));
-}
-
-// Module Reset.
-
-constexpr char kSwitchOff[] = "Switch the module off and on to restart it.";
-
-TEST_F(NerithSession, ResetOnlyTellsWhatToDo) {
-  Click("ResetGaven");
-  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOff, view::Icon::kInformation));
-  AnswerOk();
-  EXPECT_THAT(module.TakeLog(), IsEmpty());
-  EXPECT_EQ(line.Opens(), 0);
-  ExpectOffline();
-}
-
-TEST_F(NerithSession, ResetLetsASessionGoOn) {
-  StartSession();
-  Click("ResetGaven");
-  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOff, view::Icon::kInformation));
-  EXPECT_TRUE(InSession());
-  AnswerOk();
-  EXPECT_THAT(Exchanges(), IsEmpty());
-  EXPECT_EQ(State().NrFinestra, 9);
-  ExpectSessionGoesOn();
 }
 
 }  // namespace

@@ -280,7 +280,7 @@ TEST_F(OswinOfflineCommit, KeepsTheUserOnThePage) {
   EXPECT_TRUE(Hourglass());
   EXPECT_NE(RefusalOf("MDIForm1.LabHome"), "");
   EXPECT_NE(RefusalOf("MDIForm1.buttCheckDevice"), "");
-  AwaitQuiet();
+  RunUntilIdle();
   EXPECT_EQ(module.Log().size(), 7U);
   ExpectOffline();
 }

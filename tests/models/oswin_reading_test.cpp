@@ -54,7 +54,7 @@ TEST_F(OswinEntry, KeepsTheUserOnThePageUntilTheModuleIsRead) {
   for (const char* name : {"LabHome", "labBelk", "MenuBelk", "buttCheckDevice"}) {
     EXPECT_NE(RefusalOf(std::string("MDIForm1.") + name), "") << name;
   }
-  AwaitQuiet();
+  RunUntilIdle();
   ExpectEntered();
 }
 
@@ -62,7 +62,7 @@ TEST_F(OswinEntry, HasItsNumberOnlyWhenTheModuleIsRead) {
   EnterUntilRequest(7);
   EXPECT_EQ(State().NrFinestra, -1);
   EXPECT_EQ(State().pageReadDone, state::kFalse);
-  AwaitQuiet();
+  RunUntilIdle();
   ExpectEntered();
 }
 

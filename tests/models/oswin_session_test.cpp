@@ -18,15 +18,6 @@ TEST_F(OswinSession, ReadsTheIdentityTwiceAndTheAddressWord) {
   EXPECT_THAT(Exchanges(), ElementsAre("reads 40001", "reads 40001", "reads 40035"));
 }
 
-TEST_F(OswinSession, HasOpenedThePortBeforeTheIdentityIsRead) {
-  ClickAndGoOn("StartOswin");
-  EXPECT_TRUE(Hourglass());
-  EXPECT_TRUE(PortOpen());
-  EXPECT_EQ(State().StartComm, state::kFalse);
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  EXPECT_TRUE(TimersRest());
-}
-
 TEST_F(OswinSession, HasBegunWhenItsSettingsAreRead) {
   StartUntilRequest(2);
   EXPECT_TRUE(InSession());
@@ -140,11 +131,6 @@ TEST_F(OswinSession, PollsSeldomerOnASlowLine) {
   EXPECT_THAT(message.Values<std::string>(), IsEmpty());
 }
 
-TEST_F(OswinSession, TakesNoSecondStart) {
-  StartSession();
-  EXPECT_EQ(RefusalOf("StartOswin"), "StartOswin is disabled");
-}
-
 TEST_F(OswinSession, IsRefusedToAModuleOfAnotherModel) {
   for (const int identity : {0x0805, 0x0905, 0x1505, 0x1705, 0x9605, 0x0016, 0x0000}) {
     SCOPED_TRACE(identity);
@@ -160,16 +146,6 @@ TEST_F(OswinSession, IsRefusedToAModuleOfAnotherModel) {
     ExpectOffline();
   }
   Set(kIdentity, 0x16FF);
-  StartSession();
-}
-
-TEST_F(OswinSession, IsRefusedToASilentModule) {
-  module.Always(ModuleFault::Unheard());
-  Click("StartOswin");
-  EXPECT_THAT(BoxInFront(), IsBox(kNotAnOswin, view::Icon::kCritical));
-  AnswerOk();
-  module.Always(ModuleFault::None());
-  ExpectOffline();
   StartSession();
 }
 
@@ -198,17 +174,10 @@ TEST_F(OswinSession, BeginsWithMeasuresOfZero) {
   const History measure(At(Measure(0)), "Caption");
   StartUntilRequest(3);
   EXPECT_THAT(measure.Values<std::string>(), ElementsAre("0"));
-  AwaitQuiet();
+  RunUntilIdle();
 }
 
 // Stop and leaving.
-
-TEST_F(OswinSession, EndsByStop) {
-  StartSession();
-  Click("StopNerith");
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  ExpectOffline();
-}
 
 TEST_F(OswinSession, HasNoUseForStopWithoutASession) {
   Click("StopNerith");
@@ -225,23 +194,6 @@ TEST_F(OswinSession, StartsAgainAfterStop) {
   ExpectOffline();
 }
 
-TEST_F(OswinSession, IsUndoneByStopWhileStartReads) {
-  // Where there is no session yet, Stop does nothing and Start goes on.
-  for (int requests = 1; requests <= 3; ++requests) {
-    SCOPED_TRACE(requests);
-    StartUntilRequest(requests);
-    const bool begun = InSession();
-    ClickAndGoOn("StopNerith");
-    AwaitQuiet();
-    EXPECT_EQ(InSession(), !begun);
-    if (InSession()) Click("StopNerith");
-    EXPECT_FALSE(Playing("MediaPlayer1"));
-    ExpectOffline();
-  }
-  StartSession();
-  ExpectSessionGoesOn();
-}
-
 TEST_F(OswinSession, WaitsAtStopForTheReadUnderWay) {
   for (std::size_t read = 0; read < PollReads().size(); ++read) {
     SCOPED_TRACE(PollReads().at(read));
@@ -249,56 +201,12 @@ TEST_F(OswinSession, WaitsAtStopForTheReadUnderWay) {
     RunToAPollsEnd();
     ASSERT_TRUE(RunUntil([&] { return module.Log().size() == read + 1; }));
     ClickAndGoOn("StopNerith");
-    AwaitQuiet();
+    RunUntilIdle();
     ExpectOffline();
   }
 }
 
-TEST_F(OswinSession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_EQ(Page().Name(), "frmOswin");
-  ExpectSessionGoesOn();
-}
-
-TEST_F(OswinSession, TakesNoticeOfEscapeWithoutEnding) {
-  StartSession();
-  PressKey(view::Key::kEscape);
-  EXPECT_EQ(State().EscPressed, 1);
-  ExpectSessionGoesOn();
-}
-
-TEST_F(OswinSession, OutlivesAModuleThatIsPulledOut) {
-  StartSession();
-  line.Lose();
-  Run(std::chrono::seconds(2));
-  EXPECT_EQ(Message(), kPollFailed);
-  EXPECT_TRUE(InSession());
-  EXPECT_TRUE(NothingInFront());
-  Click("StopNerith");
-  ExpectOffline();
-}
-
 // The reset button, of a module that has no reset.
-
-TEST_F(OswinSession, TellsHowToRestartTheModule) {
-  Click("ResetGaven");
-  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOffAndOn, view::Icon::kInformation));
-  AnswerOk();
-  EXPECT_THAT(module.TakeLog(), IsEmpty());
-  ExpectOffline();
-}
-
-TEST_F(OswinSession, GoesOnWhenItTellsHowToRestartTheModule) {
-  StartSession();
-  Click("ResetGaven");
-  EXPECT_THAT(BoxInFront(), IsBox(kSwitchOffAndOn, view::Icon::kInformation));
-  AnswerOk();
-  EXPECT_THAT(Exchanges(), IsEmpty());
-  ExpectSessionGoesOn();
-}
 
 TEST_F(OswinSession, TellsHowToRestartAnyModule) {
   Set(kIdentity, 0x0805);

@@ -48,7 +48,7 @@ TEST_F(QuenbyEntry, HoldsStartUntilTheModuleIsRead) {
   const History start(At("frmQuenby.buttStart"), "Enabled");
   EnterUntilRequest(9);
   EXPECT_THAT(start.Values<bool>(), ElementsAre(false));
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_THAT(start.Values<bool>(), ElementsAre(false, true));
   ExpectEntered();
 }
@@ -59,7 +59,7 @@ TEST_F(QuenbyEntry, KeepsTheUserOnThePageUntilTheModuleIsRead) {
   for (const char* name : {"LabHome", "labBelk", "MenuBelk", "buttCheckDevice"}) {
     EXPECT_NE(RefusalOf(std::string("MDIForm1.") + name), "") << name;
   }
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   ExpectEntered();
 }
 
@@ -67,7 +67,7 @@ TEST_F(QuenbyEntry, HasItsNumberOnlyWhenTheModuleIsRead) {
   EnterUntilRequest(9);
   EXPECT_EQ(State().NrFinestra, -1);
   EXPECT_EQ(State().pageEntered, state::kFalse);
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   ExpectEntered();
 }
 

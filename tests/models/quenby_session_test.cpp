@@ -22,15 +22,7 @@ std::vector<std::string> ReadsOfStart(const std::vector<std::string>& settingsRe
   return reads;
 }
 
-class QuenbySession : public QuenbyFixture {
- protected:
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("buttStart");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-};
+class QuenbySession : public QuenbyFixture {};
 
 // Start.
 
@@ -53,16 +45,6 @@ TEST_F(QuenbySession, DoesNotPollBeforeTheSettingsAreRead) {
   ASSERT_GE(log.size(), expected.size());
   EXPECT_THAT(std::vector(log.begin(), log.begin() + static_cast<std::ptrdiff_t>(expected.size())),
               ElementsAreArray(expected));
-}
-
-TEST_F(QuenbySession, HasOpenedThePortBeforeTheIdentityIsRead) {
-  State().RunKind = 77;
-  ClickAndGoOn("buttStart");
-  EXPECT_TRUE(Hourglass());
-  EXPECT_TRUE(PortOpen());
-  EXPECT_EQ(State().StartComm, state::kFalse);
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  EXPECT_TRUE(TimersRest());
 }
 
 TEST_F(QuenbySession, ShowsTheFirmwareAsARelease) {
@@ -110,12 +92,6 @@ TEST_F(QuenbySession, HasDoneAllWhenStartEnds) {
   EXPECT_TRUE(NothingInFront());
 }
 
-TEST_F(QuenbySession, LeavesTheKindOfRunAsItWas) {
-  State().RunKind = 77;
-  StartSession();
-  EXPECT_EQ(State().RunKind, 77);
-}
-
 TEST_F(QuenbySession, TellsNoConnectionLineInTheStatusBar) {
   const std::string before = Panel2();
   StartSession();
@@ -154,11 +130,6 @@ TEST_F(QuenbySession, PollsFourRegistersEvery50Milliseconds) {
   EXPECT_EQ(Message(), "OK");
 }
 
-TEST_F(QuenbySession, TakesNoSecondStart) {
-  StartSession();
-  EXPECT_EQ(RefusalOf("buttStart"), "buttStart is disabled");
-}
-
 TEST_F(QuenbySession, IsRefusedToAModuleOfAnotherModel) {
   for (const int identity : {0x0D00, 0x0E00, 0x1000, 0x8F00, 0x000F, 0x0000}) {
     SCOPED_TRACE(identity);
@@ -173,16 +144,6 @@ TEST_F(QuenbySession, IsRefusedToAModuleOfAnotherModel) {
     ExpectOffline();
   }
   Set(kIdentity, 0x0F12);
-  StartSession();
-}
-
-TEST_F(QuenbySession, IsRefusedToASilentModule) {
-  module.Always(ModuleFault::Unheard());
-  Click("buttStart");
-  EXPECT_THAT(BoxInFront(), IsBox(kNotAQuenby, view::Icon::kCritical));
-  AnswerOk();
-  module.Always(ModuleFault::None());
-  ExpectOffline();
   StartSession();
 }
 
@@ -207,66 +168,6 @@ TEST_F(QuenbySession, GoesOnWithoutTheSettingsOfAModuleThatItNoLongerKnows) {
   EXPECT_EQ(Text("labTimeout"), "50");
   EXPECT_EQ(Text("labFW"), "Firmware rel: 3");
   EXPECT_FALSE(Enabled("buttStart"));
-  ExpectSessionGoesOn();
-}
-
-// Stop and leaving.
-
-TEST_F(QuenbySession, EndsWithStop) {
-  StartSession();
-  Click("buttStop");
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  ExpectOffline();
-  StartSession();
-}
-
-TEST_F(QuenbySession, ReadsNothingWhenItEnds) {
-  StartSession();
-  Run(std::chrono::seconds(1));
-  module.ForgetLog();
-  Click("buttStop");
-  Run(std::chrono::seconds(1));
-  EXPECT_THAT(Exchanges(), IsEmpty());
-}
-
-TEST_F(QuenbySession, IsUndoneByStopWhileTheSettingsAreRead) {
-  // Where there is no session yet, Stop does nothing and Start goes on.
-  for (int requests = 3; requests <= 11; ++requests) {
-    SCOPED_TRACE(requests);
-    StartUntilRequest(requests);
-    const bool begun = InSession();
-    ClickAndGoOn("buttStop");
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
-    EXPECT_EQ(InSession(), !begun);
-    if (InSession()) Click("buttStop");
-    EXPECT_FALSE(Playing("MediaPlayer1"));
-    ExpectOffline();
-  }
-  StartSession();
-}
-
-TEST_F(QuenbySession, WaitsAtStopForThePollUnderWay) {
-  StartSession();
-  RunIntoAPoll();
-  const History message(At("frmQuenby.Message"), "Caption");
-  Click("buttStop");
-  EXPECT_THAT(message.Values<std::string>(), testing::Not(testing::Contains(std::string(kPollFailed))));
-  ExpectOffline();
-}
-
-TEST_F(QuenbySession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_EQ(Page().Name(), "frmQuenby");
-  ExpectSessionGoesOn();
-}
-
-TEST_F(QuenbySession, TakesNoticeOfEscapeWithoutEnding) {
-  StartSession();
-  PressKey(view::Key::kEscape);
-  EXPECT_EQ(State().EscPressed, 1);
   ExpectSessionGoesOn();
 }
 
@@ -342,17 +243,6 @@ TEST_F(QuenbySession, TellsAFailedPollAndKeepsWhatItShowed) {
   RunThroughADecode();
   EXPECT_EQ(Message(), "OK");
   EXPECT_EQ(FlagsShown(), 0);
-}
-
-TEST_F(QuenbySession, OutlivesAModuleThatIsPulledOut) {
-  StartSession();
-  line.Lose();
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Message(), kPollFailed);
-  EXPECT_TRUE(InSession());
-  EXPECT_TRUE(NothingInFront());
-  Click("buttStop");
-  ExpectOffline();
 }
 
 // Reset.

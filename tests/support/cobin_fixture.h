@@ -45,10 +45,6 @@ class CobinFixture : public PageFixture {
   }
   /// What the session's clicks brought over the line: all but its polls.
   std::vector<std::string> Exchanges() { return TakeExchanges(kCobinPoll); }
-  /// Lets time go by until no request is under way.
-  void RunUntilTheBusIsFree() {
-    ASSERT_TRUE(RunUntil([this] { return !Modcom().CommBusy(); }));
-  }
 
   /// A session that its reset has ended: the one state without a session in which outputs and safe states take a click.
   /// Forgets what that brought over the line.

@@ -66,25 +66,12 @@ class InputPageFixture : public PageFixture {
   std::string Lamp(int element) const { return Own("Overflow", element); }
   std::string Bar(int input) const { return Own("Barg", input); }
   int FillColor(int input) const { return Number(Bar(input), "FillColor"); }
-  std::string NotOurs() const {
-    return std::string("ERROR! Module is not ") + inputs_.model + " or communication failed";
-  }
 
   /// A session that has just begun, after the one before it, if any.
   void Begin() {
     if (InSession()) Click(Own("Stop"));
     Click(Own("Start"));
     ASSERT_TRUE(InSession());
-  }
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn(Own("Start"));
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
-  /// Lets time go by until no gesture's handler is under way.
-  void RunUntilIdle() {
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
   }
 
   /// A commit up to its box, and the answer to it; gives what went over the line.

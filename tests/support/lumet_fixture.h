@@ -56,12 +56,6 @@ class LumetFixture : public PageFixture {
   /// Time for a poll of each block and the paint after it.
   void RunThroughBothSteps() { Run(core::milliseconds(600)); }
 
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("StartLumet");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
-  }
   /// A session with the module as it is, ended again.
   void Visit() {
     StartSession();

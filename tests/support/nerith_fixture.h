@@ -42,6 +42,8 @@ class NerithModule : public PageFixture {
   static constexpr int kSerial = 40035;
   static constexpr int kSystem = 40040;
   static constexpr int kMostChannels = 4;
+  /// What Start reads before there is a session.
+  static constexpr int kRequestsBeforeTheSession = 1;
 
   /// The first release with the newer layout, and the last one before it.
   static constexpr int kNew = 18;

@@ -35,6 +35,8 @@ class OswinModule : public PageFixture {
   static constexpr int kBaud = 40036;
   static constexpr int kChannel1 = 40037;
   static constexpr int kChannels = 4;
+  /// What Start reads before there is a session.
+  static constexpr int kRequestsBeforeTheSession = 1;
 
   /// Elements of `PollBuffer`.
   static constexpr std::size_t kPolledStatus = 0;
@@ -125,15 +127,6 @@ class OswinModule : public PageFixture {
     Click(control);
     AnswerChangeValue(text);
     ASSERT_TRUE(NothingInFront());
-  }
-  void AwaitQuiet() {
-    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
-  }
-  /// Presses Start and lets time go by until the module has taken so many requests.
-  void StartUntilRequest(int requests) {
-    const int before = module.Requests();
-    ClickAndGoOn("StartOswin");
-    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
   }
   void RunThroughAPoll() { Run(kThroughAPoll); }
   /// Lets time go by until a poll has just ended.

@@ -37,11 +37,23 @@ class PageFixture : public ProgramFixture {
     ASSERT_TRUE(InSession()) << (BoxInFront() == nullptr ? "no session, no box" : BoxInFront()->text);
     module.ForgetLog();
   }
+  /// Presses Start and lets time go by until the module has taken so many requests.
+  void StartUntilRequest(int requests) {
+    const int before = module.Requests();
+    ClickAndGoOn(names_.start);
+    ASSERT_TRUE(RunUntil([&] { return module.Requests() == before + requests; }));
+  }
+  const PageNames& Names() const { return names_; }
+  std::string NotOurs() const { return "ERROR! Module is not " + names_.model + " or communication failed"; }
   bool InSession() const { return State().StartComm == state::kTrue; }
   bool TimersRun() const { return Enabled("TimerLetturaSeriale") && Enabled("TimerGestioneLetture"); }
   bool TimersRest() const { return !Enabled("TimerLetturaSeriale") && !Enabled("TimerGestioneLetture"); }
   /// Time for one poll and for one decode after it.
   void RunThroughADecode() { Run(core::milliseconds(300)); }
+  /// Lets time go by until no gesture's handler is under way.
+  void RunUntilIdle() {
+    ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  }
   /// Lets time go by until no request is under way.
   void RunUntilTheBusIsFree() {
     ASSERT_TRUE(RunUntil([this] { return !Modcom().CommBusy(); }));

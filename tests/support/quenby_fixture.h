@@ -39,6 +39,8 @@ class QuenbyModule : public PageFixture {
   static constexpr int kStoredFlags = 40068;
   static constexpr int kDefault1 = 40069;
   static constexpr int kOutputs = 3;
+  /// What Start reads before there is a session.
+  static constexpr int kRequestsBeforeTheSession = 11;
 
   /// Element of `PollBuffer`; those of the outputs follow it.
   static constexpr std::size_t kPolledFlags = 0;

@@ -1,6 +1,5 @@
-#include <functional>
-
 #include "support/cobin_fixture.h"
+#include "support/page_words.h"
 #include "view/arrangement.h"
 
 namespace tarvo::test {
@@ -10,19 +9,7 @@ using testing::ElementsAre;
 using testing::IsSupersetOf;
 
 /// The page before anything was read, and what stands on it.
-class CobinView : public CobinFixture {
- protected:
-  /// The texts of every node of that kind.
-  std::vector<std::string> Texts(view::Node::Kind kind) const {
-    std::vector<std::string> texts;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
-      if (node.kind == kind) texts.push_back(node.text);
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
-    return texts;
-  }
-};
+class CobinView : public CobinFixture {};
 
 TEST_F(CobinView, ComesByItsLabelAndByItsMenuItem) {
   for (const char* road : {"MDIForm1.labCobin", "MDIForm1.MenuCobin"}) {
@@ -107,8 +94,10 @@ TEST_F(CobinView, NamesRegisterAndBitInItsToolTips) {
 }
 
 TEST_F(CobinView, HasItsFramesAndValueLabels) {
-  EXPECT_THAT(Texts(view::Node::Kind::kFrame), IsSupersetOf({"Safe State Settings", "Settings", "Outputs Setting"}));
-  EXPECT_THAT(Texts(view::Node::Kind::kField), IsSupersetOf({"Module Baud Rate", "Module Address", "Safe time "}));
+  EXPECT_THAT(TextsOf(Page(), view::Node::Kind::kFrame),
+              IsSupersetOf({"Safe State Settings", "Settings", "Outputs Setting"}));
+  EXPECT_THAT(TextsOf(Page(), view::Node::Kind::kField),
+              IsSupersetOf({"Module Baud Rate", "Module Address", "Safe time "}));
 }
 
 TEST_F(CobinView, ShowsAllThatCanBeUsed) {
@@ -132,59 +121,6 @@ TEST_F(CobinView, HasTheTimersOfASessionAndNoTimerControllo) {
     EXPECT_FALSE(Enabled(name)) << name;
   }
   EXPECT_EQ(FindControl("Cobin.TimerControllo"), nullptr);
-}
-
-// Settings that reach the module only by Write EEprom.
-
-struct SettingCase {
-  const char* label;
-  const char* minimum;
-  const char* maximum;
-  const char* tooSmall;
-  const char* tooLarge;
-};
-
-class CobinSetting : public CobinFixture, public testing::WithParamInterface<SettingCase> {};
-
-INSTANTIATE_TEST_SUITE_P(Labels, CobinSetting,
-                         testing::Values(SettingCase{"SafetimeCobin", "5", "250", "4", "251"},
-                                         SettingCase{"AddressCobin", "1", "255", "0", "256"}),
-                         [](const auto& given) { return given.param.label; });
-
-TEST_P(CobinSetting, HasItsBounds) {
-  Click(GetParam().label);
-  ASSERT_EQ(WindowInFront(), "ChangeValue");
-  EXPECT_EQ(Text("MinValue"), std::string("Min Value :") + GetParam().minimum);
-  EXPECT_EQ(Text("MaxValue"), std::string("Max Value :") + GetParam().maximum);
-  AnswerChangeValue(GetParam().tooLarge);
-  EXPECT_EQ(Text("Text1"), GetParam().maximum);
-  AnswerChangeValue(GetParam().tooSmall);
-  EXPECT_EQ(Text("Text1"), GetParam().minimum);
-}
-
-TEST_P(CobinSetting, IsEditedWithoutASession) {
-  Click(GetParam().label);
-  AnswerChangeValue("99");
-  EXPECT_EQ(Text(GetParam().label), "99");
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(ports.Attempts(), 0);
-}
-
-TEST_P(CobinSetting, IsEditedInASessionWithoutAWordOnTheLine) {
-  StartSession();
-  Click(GetParam().label);
-  AnswerChangeValue("99");
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Text(GetParam().label), "99");
-  EXPECT_THAT(Exchanges(), ElementsAre());
-  EXPECT_TRUE(TimersRun());
-}
-
-TEST_P(CobinSetting, IsLeftAsItIsWhenTheDialogIsCancelled) {
-  Click(GetParam().label);
-  Type("ChangeValue.Text1", "99");
-  Click("ChangeValue.Cancel");
-  EXPECT_EQ(Text(GetParam().label), GetParam().minimum);
 }
 
 TEST_F(CobinView, TakesARateWithoutAWordOnTheLine) {

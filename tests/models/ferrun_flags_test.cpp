@@ -105,7 +105,7 @@ TEST_F(FerrunFlags, OfQuickClicksAllReachTheModule) {
     ClickAndGoOn(flag.box);
     all |= flag.mask;
   }
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_EQ(module[kFlags], all);
   EXPECT_TRUE(TimersRun());
 }

@@ -1,8 +1,7 @@
 // The Ferrun page before anything was read, and what stands on it.
 
-#include <functional>
-
 #include "support/ferrun_fixture.h"
+#include "support/page_words.h"
 #include "view/arrangement.h"
 
 namespace tarvo::test {
@@ -11,19 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
-class FerrunView : public FerrunFixture {
- protected:
-  /// The texts of every node of that kind.
-  std::vector<std::string> Texts(view::Node::Kind kind) const {
-    std::vector<std::string> texts;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
-      if (node.kind == kind) texts.push_back(node.text);
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
-    return texts;
-  }
-};
+class FerrunView : public FerrunFixture {};
 
 TEST_F(FerrunView, ComesByItsLabelAndByItsMenuItem) {
   for (const char* road : {"MDIForm1.labFerrun", "MDIForm1.MenuFerrun"}) {
@@ -108,7 +95,7 @@ TEST_F(FerrunView, NamesRegistersInItsToolTips) {
 }
 
 TEST_F(FerrunView, HasItsFrames) {
-  EXPECT_THAT(Texts(view::Node::Kind::kFrame),
+  EXPECT_THAT(TextsOf(Page(), view::Node::Kind::kFrame),
               IsSupersetOf({"Input Settings", "User Settings", "Calibration", "PID Settings", "Settings",
                             "Status Flags", "Reading (0..10000)"}));
 }

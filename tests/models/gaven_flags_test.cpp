@@ -116,7 +116,7 @@ TEST_F(GavenFlags, OfThreeQuickClicksAllReachTheModule) {
   StartSession();
   RunIntoAPoll();
   for (const FlagCase& flag : kFlagCases) ClickAndGoOn(flag.box);
-  ASSERT_TRUE(RunUntil([this] { return program.GetScreen().Idle(); }));
+  RunUntilIdle();
   EXPECT_EQ(module[kFlags], 0x000F);
   EXPECT_TRUE(TimersRun());
 }

@@ -1,8 +1,7 @@
-// The Lumet page before anything was read, what stands on it, and the settings that only Write EEprom sends.
-
-#include <functional>
+// The Lumet page before anything was read, what stands on it, and what the user chooses on it.
 
 #include "support/lumet_fixture.h"
+#include "support/page_words.h"
 #include "view/arrangement.h"
 
 namespace tarvo::test {
@@ -13,21 +12,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 
-class LumetView : public LumetFixture {
- protected:
-  /// Every word that stands on the page and is not a value.
-  std::vector<std::string> Words() const {
-    std::vector<std::string> words;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
-      words.push_back(node.text);
-      words.insert(words.end(), node.headings.begin(), node.headings.end());
-      if (const auto* label = dynamic_cast<const view::Label*>(node.control)) words.push_back(label->Caption());
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
-    return words;
-  }
-};
+class LumetView : public LumetFixture {};
 
 TEST_F(LumetView, ComesByItsLabelAndByItsMenuItem) {
   for (const char* road : {"MDIForm1.labLumet", "MDIForm1.mnuLumet"}) {
@@ -118,9 +103,9 @@ TEST_F(LumetView, HasItsCaptions) {
 }
 
 TEST_F(LumetView, NamesItsSettings) {
-  EXPECT_THAT(Words(), IsSupersetOf({"Input  reg. 40016", "Input  reg. 40017", "Meas. Type 40016", "Meas. Type 40017",
-                                     "Value reg. 40016", "Value reg. 40017", "Inp. 9-10 configuration",
-                                     "Inputs Filter (mSec)", "Fast"}));
+  EXPECT_THAT(WordsOf(Page()), IsSupersetOf({"Input  reg. 40016", "Input  reg. 40017", "Meas. Type 40016",
+                                             "Meas. Type 40017", "Value reg. 40016", "Value reg. 40017",
+                                             "Inp. 9-10 configuration", "Inputs Filter (mSec)", "Fast"}));
 }
 
 TEST_F(LumetView, NamesRegisterAndBitInItsToolTips) {
@@ -219,57 +204,7 @@ TEST_F(LumetLoad, RunsOnce) {
   EXPECT_EQ(State().PollRegister.Number(), 40013);
 }
 
-// Values that are edited.
-
-struct SettingCase {
-  const char* label;
-  const char* minimum;
-  const char* maximum;
-  const char* tooSmall;
-  const char* tooLarge;
-};
-
-class LumetSetting : public LumetFixture, public testing::WithParamInterface<SettingCase> {};
-
-INSTANTIATE_TEST_SUITE_P(Labels, LumetSetting,
-                         testing::Values(SettingCase{"FilterLumet", "1", "254", "0", "255"},
-                                         SettingCase{"AddressLumet", "1", "255", "0", "256"}),
-                         [](const auto& given) { return given.param.label; });
-
-TEST_P(LumetSetting, HasItsBounds) {
-  Click(GetParam().label);
-  ASSERT_EQ(WindowInFront(), "ChangeValue");
-  EXPECT_EQ(Text("MinValue"), std::string("Min Value :") + GetParam().minimum);
-  EXPECT_EQ(Text("MaxValue"), std::string("Max Value :") + GetParam().maximum);
-  AnswerChangeValue(GetParam().tooLarge);
-  EXPECT_EQ(Text("Text1"), GetParam().maximum);
-  AnswerChangeValue(GetParam().tooSmall);
-  EXPECT_EQ(Text("Text1"), GetParam().minimum);
-}
-
-TEST_P(LumetSetting, IsEditedWithoutASession) {
-  Edit(GetParam().label, "99");
-  EXPECT_EQ(Text(GetParam().label), "99");
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(ports.Attempts(), 0);
-}
-
-TEST_P(LumetSetting, IsEditedInASessionWithoutAWordOnTheLineAndStays) {
-  StartSession();
-  Edit(GetParam().label, "99");
-  Run(std::chrono::seconds(2));
-  EXPECT_EQ(Text(GetParam().label), "99");
-  EXPECT_THAT(Exchanges(), IsEmpty());
-  EXPECT_TRUE(InSession());
-  EXPECT_TRUE(TimersRun());
-}
-
-TEST_P(LumetSetting, IsLeftAsItIsWhenTheDialogIsCancelled) {
-  Click(GetParam().label);
-  Type("ChangeValue.Text1", "99");
-  Click("ChangeValue.Cancel");
-  EXPECT_EQ(Text(GetParam().label), GetParam().minimum);
-}
+// Choices and values.
 
 TEST_F(LumetView, KeepsChoicesInASessionWithoutAWordOnTheLine) {
   StartSession();

@@ -1,9 +1,9 @@
 // The Marlo page: what stands on it, its texts, and what only the page itself sees.
 
 #include <algorithm>
-#include <functional>
 
 #include "support/marlo_fixture.h"
+#include "support/page_words.h"
 #include "view/arrangement.h"
 
 namespace tarvo::test {
@@ -21,26 +21,15 @@ class MarloView : public MarloFixture {
   /// All that can be read on the page, whether it is a shown control's or stands between them.
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
+    VisitNodes(Page().Arrangement(), [&](const view::Node& node) {
       texts.push_back(node.text);
       texts.insert(texts.end(), node.headings.begin(), node.headings.end());
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
+    });
     for (const view::Control* control : view::ReadingOrder(Page().Arrangement())) {
       for (const view::NamedValue& value : control->Properties()) {
         if (value.name == "Caption") texts.push_back(std::get<std::string>(value.value));
       }
     }
-    return texts;
-  }
-  std::vector<std::string> FrameTexts() const {
-    std::vector<std::string> texts;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
-      if (node.kind == view::Node::Kind::kFrame) texts.push_back(node.text);
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
     return texts;
   }
 };
@@ -80,7 +69,7 @@ TEST_F(MarloView, HasItsLabelsAndItsFrame) {
                                      "V. under threshold", "Diagnostic", "Default Outputs", "Opened Outputs",
                                      "Shorted Outputs", "Hot Outputs", "Opened Mask", "Module Baud Rate",
                                      "Module Address", "Safe time", "Output thr. (V)", "S.C. Delay "}));
-  EXPECT_THAT(FrameTexts(), Contains("Diagnostics Mask"));
+  EXPECT_THAT(TextsOf(Page(), view::Node::Kind::kFrame), Contains("Diagnostics Mask"));
 }
 
 TEST_F(MarloView, NamesRegistersInItsToolTips) {

@@ -1,8 +1,7 @@
 // The page of Nerith and Pellor as it stands: names, lists, texts and tool tips; and the gestures that stay on it.
 
-#include <functional>
-
 #include "support/nerith_fixture.h"
+#include "support/page_words.h"
 #include "view/arrangement.h"
 
 namespace tarvo::test {
@@ -12,21 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 
-class NerithView : public NerithFixture {
- protected:
-  /// Every word that stands on the page and is not a value.
-  std::vector<std::string> Words() const {
-    std::vector<std::string> words;
-    const std::function<void(const view::Node&)> walk = [&](const view::Node& node) {
-      words.push_back(node.text);
-      words.insert(words.end(), node.headings.begin(), node.headings.end());
-      if (const auto* label = dynamic_cast<const view::Label*>(node.control)) words.push_back(label->Caption());
-      for (const view::Node& child : node.children) walk(child);
-    };
-    walk(Page().Arrangement());
-    return words;
-  }
-};
+class NerithView : public NerithFixture {};
 
 TEST_F(NerithView, IsInTheListOfTheFirstFamily) {
   EXPECT_EQ(Text("MDIForm1.labNerith"), "Nerith");
@@ -84,7 +69,7 @@ TEST_F(NerithView, HasItsCaptions) {
 }
 
 TEST_F(NerithView, NamesChannelsAndSettings) {
-  EXPECT_THAT(Words(),
+  EXPECT_THAT(WordsOf(Page()),
               IsSupersetOf({"Input 1", "Input 2", "Input 3", "Input 4", "Settings", "Sensor Type", "Temperature",
                             "Dump Factor", "Module Address", "Module Baud Rate", "Units", "Decimal Digits"}));
 }

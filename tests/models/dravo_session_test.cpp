@@ -13,7 +13,6 @@ using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
 

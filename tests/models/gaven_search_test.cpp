@@ -6,7 +6,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::ElementsAreArray;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 /// What the page reads of its module when no session runs, in this order.

@@ -4,7 +4,6 @@ namespace tarvo::test {
 namespace {
 
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -22,29 +21,20 @@ TEST_F(GavenSession, IsThePageNumbered4) {
   EXPECT_EQ(State().FamilyShown, state::kTrue);
 }
 
-TEST_F(GavenSession, HasItsTimersAtTheirIntervals) {
-  EXPECT_EQ(Interval("TimerLetturaSeriale"), 50);
-  EXPECT_EQ(Interval("TimerGestioneLetture"), 200);
-  EXPECT_EQ(Interval("TimerIngranaggi"), 200);
+TEST_F(GavenSession, NeverEnablesTimerControllo) {
   EXPECT_EQ(Interval("TimerControllo"), 250);
-  for (const char* timer : {"TimerLetturaSeriale", "TimerGestioneLetture", "TimerIngranaggi", "TimerControllo"}) {
-    EXPECT_FALSE(Enabled(timer)) << timer;
-  }
-}
-
-TEST_F(GavenSession, ReadsIdentityFirstBlockStoredAddressAndSecondBlock) {
-  Click("StartGaven");
-  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066", "reads 40013 x12"));
-}
-
-TEST_F(GavenSession, PollsTheSecondBlockFromThenOn) {
+  const History enabled(At("TimerControllo"), "Enabled");
+  EXPECT_FALSE(Enabled("TimerControllo"));
   StartSession();
+  Click("StopGaven");
+  EXPECT_THAT(enabled.Entries(), IsEmpty());
+}
+
+TEST_F(GavenSession, HasSetThePollWhenTheSecondBlockIsRead) {
+  StartUntilRequest(4);
   EXPECT_EQ(State().PollRegister.Number(), 40013);
   EXPECT_EQ(State().PollCount, 12);
-  Run(std::chrono::seconds(1));
-  const std::vector<std::string> log = module.TakeLog();
-  EXPECT_THAT(log, SizeIs(20));
-  EXPECT_THAT(log, Each(kGaven.poll));
+  EXPECT_TRUE(TimersRest());
 }
 
 TEST_F(GavenSession, ReadsTheFirstBlockAgainAtTheNextStart) {
@@ -53,14 +43,6 @@ TEST_F(GavenSession, ReadsTheFirstBlockAgainAtTheNextStart) {
   module.ForgetLog();
   Click("StartGaven");
   EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066", "reads 40013 x12"));
-}
-
-TEST_F(GavenSession, HasSetTheFirstBlockBeforeTheIdentityIsRead) {
-  ClickAndGoOn("StartGaven");
-  EXPECT_EQ(State().PollRegister.Number(), 40002);
-  EXPECT_EQ(State().PollCount, 11);
-  EXPECT_FALSE(InSession());
-  EXPECT_TRUE(Hourglass());
 }
 
 TEST_F(GavenSession, HasShownTheFirmwareWhenTheFirstBlockIsRead) {
@@ -86,34 +68,6 @@ TEST_F(GavenSession, HasShownTheFirstBlockWhenTheStoredAddressIsRead) {
   EXPECT_TRUE(TimersRest());
 }
 
-TEST_F(GavenSession, StartsItsTimersOnlyAtTheEndOfStart) {
-  const History reading(At("TimerLetturaSeriale"), "Enabled");
-  const History decoding(At("TimerGestioneLetture"), "Enabled");
-  StartUntilRequest(4);
-  EXPECT_EQ(State().PollRegister.Number(), 40013);
-  EXPECT_EQ(State().PollCount, 12);
-  EXPECT_TRUE(TimersRest());
-  ASSERT_TRUE(RunUntil([this] { return !Hourglass(); }));
-  EXPECT_TRUE(TimersRun());
-  EXPECT_THAT(reading.Values<bool>(), ElementsAre(true));
-  EXPECT_THAT(decoding.Values<bool>(), ElementsAre(true));
-}
-
-TEST_F(GavenSession, HasDoneAllWhenStartEnds) {
-  Click("StartGaven");
-  EXPECT_EQ(State().StartComm, state::kTrue);
-  EXPECT_EQ(State().RunKind, 5);
-  EXPECT_FALSE(Enabled("StartGaven"));
-  EXPECT_TRUE(Enabled("StopGaven"));
-  EXPECT_FALSE(Enabled("MDIForm1.labGaven"));
-  EXPECT_FALSE(Enabled("MDIForm1.MenuGaven"));
-  EXPECT_TRUE(Playing("MediaPlayer1"));
-  EXPECT_FALSE(Hourglass());
-  EXPECT_TRUE(NothingInFront());
-  EXPECT_FALSE(Enabled("TimerIngranaggi"));
-  EXPECT_FALSE(Enabled("TimerControllo"));
-}
-
 TEST_F(GavenSession, ClearsItsMessageAtStartUntilTheFirstPollByTimer) {
   StartSession();
   EXPECT_EQ(Text("MessageGaven"), "");
@@ -130,21 +84,6 @@ TEST_F(GavenSession, TellsNoConnectionLineInTheStatusBar) {
   EXPECT_EQ(Text("MDIForm1.StatusBar1(2)"), before);
 }
 
-TEST_F(GavenSession, EndsWithStop) {
-  StartSession();
-  Click("StopGaven");
-  EXPECT_EQ(State().StartComm, state::kFalse);
-  EXPECT_FALSE(PortOpen());
-  EXPECT_TRUE(TimersRest());
-  EXPECT_FALSE(Enabled("TimerControllo"));
-  EXPECT_TRUE(Enabled("StartGaven"));
-  EXPECT_TRUE(Enabled("MDIForm1.labGaven"));
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  module.ForgetLog();
-  Run(std::chrono::seconds(1));
-  EXPECT_THAT(module.TakeLog(), IsEmpty());
-}
-
 TEST_F(GavenSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
   StartUntilRequest(3);
   Click("StopGaven");
@@ -157,33 +96,6 @@ TEST_F(GavenSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
   EXPECT_FALSE(Playing("MediaPlayer1"));
   EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", "reads 40002 x11", "reads 40066"));
   StartSession();
-}
-
-TEST_F(GavenSession, IsRefusedToAModuleOfAnotherModel) {
-  for (const int identity : {0x0102, 0x0602, 0x0802, 0x8702, 0x0007, 0x0B02}) {
-    SCOPED_TRACE(identity);
-    Set(kIdentity, identity);
-    module.ForgetLog();
-    Click("StartGaven");
-    EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
-    AnswerOk();
-    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
-    EXPECT_FALSE(InSession());
-    EXPECT_FALSE(PortOpen());
-    EXPECT_TRUE(TimersRest());
-    EXPECT_TRUE(Enabled("StartGaven"));
-  }
-  SetRelease(2);
-  StartSession();
-}
-
-TEST_F(GavenSession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_TRUE(InSession());
-  EXPECT_EQ(Page().Name(), "Gaven");
 }
 
 TEST_F(GavenSession, GoesOnWhenTheBlocksOfStartAreRefused) {

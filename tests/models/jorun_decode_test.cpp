@@ -103,6 +103,10 @@ TEST_F(JorunView, BeginsWithTheUsualLineAndNoParity) {
   EXPECT_FALSE(Enabled("OptionOdd"));
 }
 
+TEST_F(JorunView, HasNoTimerWithoutATask) {
+  EXPECT_EQ(FindControl("TimerControllo"), nullptr);
+}
+
 TEST_F(JorunView, HasItsCaptions) {
   const std::pair<const char*, const char*> captions[] = {{"StartJorun", "&Start"},
                                                           {"StopJorun", "S&top"},

@@ -3,10 +3,8 @@
 namespace tarvo::test {
 namespace {
 
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 class JorunSession : public JorunFixture {};
 
@@ -21,45 +19,12 @@ TEST_F(JorunSession, IsThePageNumbered5) {
   EXPECT_EQ(State().FamilyShown, state::kTrue);
 }
 
-TEST_F(JorunSession, HasItsTimersAtTheirIntervals) {
-  EXPECT_EQ(Interval("TimerLetturaSeriale"), 50);
-  EXPECT_EQ(Interval("TimerGestioneLetture"), 200);
-  EXPECT_EQ(Interval("TimerIngranaggi"), 200);
-  EXPECT_EQ(FindControl("TimerControllo"), nullptr);
-  for (const char* timer : {"TimerLetturaSeriale", "TimerGestioneLetture", "TimerIngranaggi"}) {
-    EXPECT_FALSE(Enabled(timer)) << timer;
-  }
-}
-
-TEST_F(JorunSession, ReadsIdentityVersionFirstBlockAndStoredAddress) {
-  Click("StartJorun");
-  EXPECT_THAT(Exchanges(), ElementsAre("reads 40001", "reads 40001", "reads 40002 x10", "reads 40066"));
-}
-
 TEST_F(JorunSession, ReadsTheVersionOnceOnly) {
   StartSession();
   Click("StopJorun");
   module.ForgetLog();
   Click("StartJorun");
   EXPECT_THAT(Exchanges(), ElementsAre("reads 40001", "reads 40002 x10", "reads 40066"));
-}
-
-TEST_F(JorunSession, PollsStatusAndValuesFromThenOn) {
-  StartSession();
-  EXPECT_EQ(State().PollRegister.Number(), 40012);
-  EXPECT_EQ(State().PollCount, 5);
-  Run(std::chrono::seconds(1));
-  const std::vector<std::string> log = module.TakeLog();
-  EXPECT_THAT(log, SizeIs(20));
-  EXPECT_THAT(log, Each(kJorun.poll));
-}
-
-TEST_F(JorunSession, HasSetTheFirstBlockBeforeTheIdentityIsRead) {
-  ClickAndGoOn("StartJorun");
-  EXPECT_EQ(State().PollRegister.Number(), 40002);
-  EXPECT_EQ(State().PollCount, 10);
-  EXPECT_FALSE(InSession());
-  EXPECT_TRUE(Hourglass());
 }
 
 TEST_F(JorunSession, HasLockedTheSettingsWhenTheFirstBlockIsRead) {
@@ -91,62 +56,10 @@ TEST_F(JorunSession, HasShownTheFirstBlockWhenTheStoredAddressIsRead) {
   EXPECT_TRUE(TimersRest());
 }
 
-TEST_F(JorunSession, StartsItsTimersOnlyAtTheEndOfStart) {
-  const History reading(At("TimerLetturaSeriale"), "Enabled");
-  const History decoding(At("TimerGestioneLetture"), "Enabled");
-  Click("StartJorun");
-  EXPECT_TRUE(TimersRun());
-  scheduler.RunReady();
-  EXPECT_THAT(reading.Values<bool>(), ElementsAre(true));
-  EXPECT_THAT(decoding.Values<bool>(), ElementsAre(true));
-}
-
-TEST_F(JorunSession, HasDoneAllWhenStartEnds) {
-  Click("StartJorun");
-  EXPECT_EQ(State().StartComm, state::kTrue);
-  EXPECT_EQ(State().RunKind, 6);
-  EXPECT_FALSE(Enabled("StartJorun"));
-  EXPECT_TRUE(Enabled("StopJorun"));
-  EXPECT_FALSE(Enabled("MDIForm1.labJorun"));
-  EXPECT_FALSE(Enabled("MDIForm1.menuJorun"));
-  EXPECT_TRUE(Playing("MediaPlayer1"));
-  EXPECT_FALSE(Hourglass());
-  EXPECT_TRUE(NothingInFront());
-  EXPECT_FALSE(Enabled("TimerIngranaggi"));
-}
-
-TEST_F(JorunSession, TellsHowThePollGoes) {
-  StartSession();
-  RunThroughADecode();
-  EXPECT_EQ(Text("MessageJorun"), "OK");
-  module.Always(ModuleFault::Exception(4));
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Text("MessageJorun"), kPollFailed);
-  EXPECT_TRUE(NothingInFront());
-  module.Always(ModuleFault::None());
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Text("MessageJorun"), "OK");
-}
-
 TEST_F(JorunSession, TellsNoConnectionLineInTheStatusBar) {
   const std::string before = Text("MDIForm1.StatusBar1(2)");
   StartSession();
   EXPECT_EQ(Text("MDIForm1.StatusBar1(2)"), before);
-}
-
-TEST_F(JorunSession, EndsWithStop) {
-  StartSession();
-  Click("StopJorun");
-  EXPECT_EQ(State().StartComm, state::kFalse);
-  EXPECT_FALSE(PortOpen());
-  EXPECT_TRUE(TimersRest());
-  EXPECT_TRUE(Enabled("StartJorun"));
-  EXPECT_TRUE(Enabled("MDIForm1.labJorun"));
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  ExpectSettingsEnabled(true);
-  module.ForgetLog();
-  Run(std::chrono::seconds(1));
-  EXPECT_THAT(module.TakeLog(), IsEmpty());
 }
 
 TEST_F(JorunSession, GivesTheSettingsBackBeforeStopWaitsForTheBus) {
@@ -171,34 +84,6 @@ TEST_F(JorunSession, IsUndoneByStopWhileTheStoredAddressIsRead) {
   EXPECT_TRUE(Enabled("MDIForm1.labJorun"));
   ExpectSettingsEnabled(true);
   StartSession();
-}
-
-TEST_F(JorunSession, IsRefusedToAModuleOfAnotherModel) {
-  for (const int identity : {0x0102, 0x0702, 0x0C03, 0x8603, 0x0006, 0x1603}) {
-    SCOPED_TRACE(identity);
-    Set(kIdentity, identity);
-    module.ForgetLog();
-    Click("StartJorun");
-    EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
-    AnswerOk();
-    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
-    EXPECT_FALSE(InSession());
-    EXPECT_FALSE(PortOpen());
-    EXPECT_TRUE(TimersRest());
-    EXPECT_TRUE(Enabled("StartJorun"));
-    ExpectSettingsEnabled(true);
-  }
-  SetRelease(3);
-  StartSession();
-}
-
-TEST_F(JorunSession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_TRUE(InSession());
-  EXPECT_EQ(Page().Name(), "Jorun");
 }
 
 // Settings that are locked.

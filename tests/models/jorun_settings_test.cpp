@@ -6,7 +6,6 @@ namespace tarvo::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class JorunSettings : public JorunFixture {};
 

@@ -6,8 +6,6 @@ namespace tarvo::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 class LumetSession : public LumetFixture {};
 

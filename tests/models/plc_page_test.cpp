@@ -15,12 +15,12 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-class PlcPageTest : public PlcPageFixture, public testing::WithParamInterface<PlcPage> {
+class PlcPageTest : public PlcPageFixture, public testing::WithParamInterface<InputPage> {
  protected:
   PlcPageTest() : PlcPageFixture(GetParam()) {}
 };
 
-std::string NameOf(const testing::TestParamInfo<PlcPage>& given) {
+std::string NameOf(const testing::TestParamInfo<InputPage>& given) {
   return given.param.model;
 }
 
@@ -40,7 +40,7 @@ class PlcSession : public PlcPageTest {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcSession, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcSession, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcSession, IsThatOfThePageWithItsNumber) {
   EXPECT_EQ(Page().Name(), GetParam().model);
@@ -76,35 +76,12 @@ TEST_P(PlcSession, ShowsItsFamilyWhicheverWayThePageIsReached) {
   for (const char* label : {"MDIForm1.labBelk", "MDIForm1.labGaven"}) EXPECT_FALSE(Visible(label)) << label;
 }
 
-TEST_P(PlcSession, HasItsTimersAtTheirIntervals) {
-  const std::pair<const char*, int> intervals[] = {
-      {"TimerLetturaSeriale", 50}, {"TimerGestioneLetture", 200}, {"TimerIngranaggi", 200}};
-  for (const auto& [name, interval] : intervals) {
-    EXPECT_EQ(Interval(name), interval) << name;
-    EXPECT_FALSE(Enabled(name)) << name;
-  }
-}
-
-TEST_P(PlcSession, BeginsWithTheReadsOfItsModel) {
-  Click(Own("Start"));
-  EXPECT_THAT(module.TakeLog(), ElementsAreArray(GetParam().startReads));
-  EXPECT_TRUE(InSession());
-}
-
 TEST_P(PlcSession, BeginsTheSameWayAgain) {
   StartSession();
   Click(Own("Stop"));
   module.ForgetLog();
   Click(Own("Start"));
-  EXPECT_THAT(module.TakeLog(), ElementsAreArray(GetParam().startReads));
-}
-
-TEST_P(PlcSession, HasSetTheFirstBlockBeforeTheIdentityIsRead) {
-  ClickAndGoOn(Own("Start"));
-  EXPECT_EQ(State().PollRegister.Number(), 40002);
-  EXPECT_EQ(State().PollCount, GetParam().firstCount);
-  EXPECT_FALSE(InSession());
-  EXPECT_TRUE(Hourglass());
+  EXPECT_THAT(module.TakeLog(), ElementsAreArray(StartReads(GetParam())));
 }
 
 TEST_P(PlcSession, HasBegunWhenTheFirstBlockIsRead) {
@@ -115,64 +92,6 @@ TEST_P(PlcSession, HasBegunWhenTheFirstBlockIsRead) {
   EXPECT_EQ(State().ReadStep, 0);
   EXPECT_EQ(State().RunKind, 77);
   EXPECT_TRUE(TimersRest());
-}
-
-TEST_P(PlcSession, StartsItsTimersOnlyOnceAtTheEndOfStart) {
-  const History reading(At("TimerLetturaSeriale"), "Enabled");
-  const History decoding(At("TimerGestioneLetture"), "Enabled");
-  Click(Own("Start"));
-  EXPECT_TRUE(TimersRun());
-  scheduler.RunReady();
-  EXPECT_THAT(reading.Values<bool>(), ElementsAre(true));
-  EXPECT_THAT(decoding.Values<bool>(), ElementsAre(true));
-}
-
-TEST_P(PlcSession, PollsItsSecondBlockFromThenOn) {
-  StartSession();
-  EXPECT_EQ(State().PollRegister.Number(), GetParam().pollRegister);
-  EXPECT_EQ(State().PollCount, GetParam().pollCount);
-  Run(std::chrono::seconds(1));
-  const std::vector<std::string> log = module.TakeLog();
-  EXPECT_THAT(log, SizeIs(20));
-  EXPECT_THAT(log, Each(GetParam().poll));
-}
-
-TEST_P(PlcSession, HasDoneAllWhenStartEnds) {
-  Click(Own("Start"));
-  EXPECT_EQ(State().StartComm, state::kTrue);
-  EXPECT_EQ(State().RunKind, 6);
-  EXPECT_FALSE(Enabled(Own("Start")));
-  EXPECT_TRUE(Enabled(Own("Stop")));
-  EXPECT_FALSE(Enabled(Label()));
-  EXPECT_FALSE(Enabled(Menu()));
-  EXPECT_TRUE(Playing("MediaPlayer1"));
-  EXPECT_FALSE(Hourglass());
-  EXPECT_TRUE(NothingInFront());
-  EXPECT_FALSE(Enabled("TimerIngranaggi"));
-}
-
-TEST_P(PlcSession, TellsHowThePollGoes) {
-  StartSession();
-  RunThroughADecode();
-  EXPECT_EQ(Text(Own("Message")), "OK");
-  module.Always(ModuleFault::Exception(4));
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Text(Own("Message")), kPollFailed);
-  EXPECT_TRUE(NothingInFront());
-  EXPECT_TRUE(InSession());
-  module.Always(ModuleFault::None());
-  Run(std::chrono::seconds(1));
-  EXPECT_EQ(Text(Own("Message")), "OK");
-}
-
-TEST_P(PlcSession, EndsWithStop) {
-  StartSession();
-  Click(Own("Stop"));
-  ExpectOffline();
-  EXPECT_FALSE(Playing("MediaPlayer1"));
-  module.ForgetLog();
-  Run(std::chrono::seconds(1));
-  EXPECT_THAT(module.TakeLog(), IsEmpty());
 }
 
 TEST_P(PlcSession, GivesItsOwnFamilysLabelsBackWithStop) {
@@ -203,52 +122,9 @@ TEST_P(PlcSession, RefusesGesturesOnWhatIsLocked) {
   EXPECT_THAT(Exchanges(), IsEmpty());
 }
 
-TEST_P(PlcSession, IsRefusedToAModuleOfAnotherModel) {
-  const int code = GetParam().code;
-  const int sister = code == HollinPage().code ? KelmarPage().code : HollinPage().code;
-  for (const int identity : {0x0701, 0x0601, sister << 8 | 1, 0x8001 | code << 8, 0x1001 | code << 8, code}) {
-    SCOPED_TRACE(identity);
-    Set(kIdentity, identity);
-    module.ForgetLog();
-    Click(Own("Start"));
-    EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
-    AnswerOk();
-    EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001"));
-    ExpectOffline();
-    ExpectLocked(false);
-  }
-  SetRelease(1);
-  StartSession();
-}
-
-TEST_P(PlcSession, IsRefusedToASilentModule) {
-  module.Always(ModuleFault::Unheard());
-  Click(Own("Start"));
-  EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
-  AnswerOk();
-  ExpectOffline();
-}
-
-TEST_P(PlcSession, IsRefusedByAPortThatDoesNotOpen) {
-  ports.SetFault(1, core::kPortAlreadyOpen);
-  Click(Own("Start"));
-  EXPECT_THAT(BoxInFront(), IsBox(NotOurs(), view::Icon::kCritical));
-  AnswerOk();
-  ExpectOffline();
-}
-
-TEST_P(PlcSession, KeepsThePageFromClosing) {
-  StartSession();
-  ClosePage();
-  EXPECT_THAT(BoxInFront(), IsBox(kMustStopFirst, view::Icon::kExclamation));
-  AnswerOk();
-  EXPECT_TRUE(InSession());
-  EXPECT_EQ(Page().Name(), GetParam().model);
-}
-
 TEST_P(PlcSession, GoesOnWhenItsFirstReadsAreRefused) {
   StartUntilRequest(1);
-  for (std::size_t i = 1; i < GetParam().startReads.size(); ++i) module.Next(ModuleFault::Exception(2));
+  for (std::size_t i = 1; i < StartReads(GetParam()).size(); ++i) module.Next(ModuleFault::Exception(2));
   ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
   EXPECT_TRUE(InSession());
   EXPECT_TRUE(NothingInFront());
@@ -279,7 +155,7 @@ TEST_P(PlcSession, NeverAsksForTheStoredAddress) {
 
 class PlcView : public PlcPageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcView, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcView, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcView, HasNeitherAddressNorBaudRate) {
   for (const char* control : {"Address", "labAddress", "Baud", "cbBaud"}) {
@@ -312,7 +188,7 @@ TEST_P(PlcView, HasItsCaptions) {
 
 class PlcFlags : public PlcPageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcFlags, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcFlags, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcFlags, AreShownEachByItsOwnBit) {
   for (int bit = 0; bit < 16; ++bit) {
@@ -381,7 +257,7 @@ class PlcLastInput : public PlcPageTest {
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcLastInput, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcLastInput, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcLastInput, StaysOnWhicheverItIs) {
   for (int input = 1; input <= kInputs; ++input) {
@@ -470,7 +346,7 @@ constexpr FlagCase kFlagCases[] = {{"SpeedUp", 0, 0x0002}, {"Input1", 1, 0x0100}
                                    {"Input3", 3, 0x0400},  {"Input4", 4, 0x0800}, {"Status", 5, 0x1000},
                                    {"BitOrder", 6, 0x4000}};
 
-class PlcLiveFlag : public PlcPageFixture, public testing::WithParamInterface<std::tuple<PlcPage, FlagCase>> {
+class PlcLiveFlag : public PlcPageFixture, public testing::WithParamInterface<std::tuple<InputPage, FlagCase>> {
  protected:
   PlcLiveFlag() : PlcPageFixture(std::get<0>(GetParam())) {}
 
@@ -487,7 +363,7 @@ class PlcLiveFlag : public PlcPageFixture, public testing::WithParamInterface<st
 };
 
 INSTANTIATE_TEST_SUITE_P(Pages, PlcLiveFlag,
-                         testing::Combine(testing::Values(HollinPage(), KelmarPage()), testing::ValuesIn(kFlagCases)),
+                         testing::Combine(testing::Values(kHollin, kKelmar), testing::ValuesIn(kFlagCases)),
                          [](const auto& given) {
                            return std::string(std::get<0>(given.param).model) + std::get<1>(given.param).name;
                          });
@@ -555,7 +431,7 @@ TEST_P(PlcLiveFlag, LeavesThePolledBlockAlone) {
 
 class PlcLiveFlags : public PlcPageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcLiveFlags, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcLiveFlags, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcLiveFlags, AllReachTheModuleHoweverQuickTheClicks) {
   BeginWithFlags(0x8001);
@@ -573,7 +449,7 @@ TEST_P(PlcLiveFlags, AllReachTheModuleHoweverQuickTheClicks) {
 
 class PlcCommit : public PlcPageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcCommit, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcCommit, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcCommit, StoresEachBoxInItsOwnBit) {
   for (int i = 0; i < kBoxes; ++i) {
@@ -709,12 +585,12 @@ TEST_P(PlcCommit, IsRefusedByAPortThatDoesNotOpenAsResetIs) {
 
 class PlcReset : public PlcPageTest {};
 
-INSTANTIATE_TEST_SUITE_P(Pages, PlcReset, testing::Values(HollinPage(), KelmarPage()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Pages, PlcReset, testing::Values(kHollin, kKelmar), NameOf);
 
 TEST_P(PlcReset, Writes1ToItsRegister) {
   Click(Own("Reset"));
   EXPECT_THAT(BoxInFront(), IsBox("Module is Resetted!", view::Icon::kInformation));
-  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", Writing(GetParam().reset, 1)));
+  EXPECT_THAT(module.TakeLog(), ElementsAre("reads 40001", Writing(GetParam().resetRegister, 1)));
   AnswerOk();
   ExpectOffline();
   StartSession();
@@ -725,7 +601,7 @@ TEST_P(PlcReset, EndsASession) {
   Unlock(Own("Reset"));
   Click(Own("Reset"));
   EXPECT_THAT(BoxInFront(), IsBox("Module is Resetted! Comunication Stopped", view::Icon::kInformation));
-  EXPECT_THAT(Exchanges(), ElementsAre(Writing(GetParam().reset, 1)));
+  EXPECT_THAT(Exchanges(), ElementsAre(Writing(GetParam().resetRegister, 1)));
   EXPECT_FALSE(InSession());
   EXPECT_FALSE(PortOpen());
   AnswerOk();

@@ -409,12 +409,6 @@ class ThermocoupleCalibrationEntry : public ThermocouplePageTest {
     ExpectOffline();
   }
   std::string NoModule() const { return std::string("Calibration impossible,  module is not ") + GetParam().model; }
-  /// Which of the page's controls take gestures.
-  std::map<std::string, bool> Enabling() const {
-    std::map<std::string, bool> enabled;
-    for (const view::Control* control : Page().Controls()) enabled[control->Name()] = control->Enabled();
-    return enabled;
-  }
 };
 
 INSTANTIATE_TEST_SUITE_P(Pages, ThermocoupleCalibrationEntry, testing::ValuesIn(kPages), NameOf);

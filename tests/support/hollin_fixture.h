@@ -10,7 +10,7 @@ namespace tarvo::test {
 /// The page `Hollin` with its module on COM1: firmware release 1, 9600,n,8,1, address 1, all else 0.
 class HollinFixture : public PlcPageFixture, protected ScaledInputs {
  protected:
-  HollinFixture() : PlcPageFixture(HollinPage()) {}
+  HollinFixture() : PlcPageFixture(kHollin) {}
 
   /// The label that shows an element, in whichever array it stands.
   static std::string Value(int element) { return Member(IsScaled(element) ? "ValueGaven" : "ValueHollin", element); }

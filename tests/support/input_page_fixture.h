@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -18,21 +19,90 @@ struct InputPage {
   const char* menu;
   const char* commit;  ///< buttons, but for the model
   const char* reset;
+  int number;   ///< `NrFinestra`
+  int runKind;  ///< of its session
   int code;     ///< high byte of the identity
   int release;  ///< of the firmware, where a test asks for no other
+  int resetRegister;
+  int firstCount;  ///< registers of the first block, which begins at 40002
+  int pollRegister;
+  int pollCount;
   const char* poll;
+  /// What the first Start brings over the line; empty behind the last.
+  std::array<const char*, 4> start;
 
   friend std::ostream& operator<<(std::ostream& out, const InputPage& page) { return out << page.model; }
 };
 
 inline constexpr char kCommitted[] = "EEProm updated! Please reset module to apply changes.";
 
-inline constexpr InputPage kGaven = {"Gaven", "labGaven", "MenuGaven", "WEEP", "Reset", 0x07, 2, "reads 40013 x12"};
-inline constexpr InputPage kHollin = {"Hollin", "MenuHollin",     "MenuHollin", "WEEP", "Reset", 0x0B,
-                                      1,        "reads 40013 x12"};
-inline constexpr InputPage kJorun = {"Jorun",     "labJorun", "menuJorun", "buttWEEP",
-                                     "buttReset", 0x06,       3,           "reads 40012 x5"};
-inline constexpr InputPage kKelmar = {"Kelmar", "menuKelmar", "menuKelmar", "WEEP", "Reset", 0x0C, 1, "reads 40012 x5"};
+inline constexpr InputPage kGaven = {.model = "Gaven",
+                                     .label = "labGaven",
+                                     .menu = "MenuGaven",
+                                     .commit = "WEEP",
+                                     .reset = "Reset",
+                                     .number = 4,
+                                     .runKind = 5,
+                                     .code = 0x07,
+                                     .release = 2,
+                                     .resetRegister = 40016,
+                                     .firstCount = 11,
+                                     .pollRegister = 40013,
+                                     .pollCount = 12,
+                                     .poll = "reads 40013 x12",
+                                     .start = {"reads 40001", "reads 40002 x11", "reads 40066", "reads 40013 x12"}};
+inline constexpr InputPage kHollin = {.model = "Hollin",
+                                      .label = "MenuHollin",
+                                      .menu = "MenuHollin",
+                                      .commit = "WEEP",
+                                      .reset = "Reset",
+                                      .number = 8,
+                                      .runKind = 6,
+                                      .code = 0x0B,
+                                      .release = 1,
+                                      .resetRegister = 40016,
+                                      .firstCount = 11,
+                                      .pollRegister = 40013,
+                                      .pollCount = 12,
+                                      .poll = "reads 40013 x12",
+                                      .start = {"reads 40001", "reads 40002 x11", "reads 40013 x12", ""}};
+inline constexpr InputPage kJorun = {.model = "Jorun",
+                                     .label = "labJorun",
+                                     .menu = "menuJorun",
+                                     .commit = "buttWEEP",
+                                     .reset = "buttReset",
+                                     .number = 5,
+                                     .runKind = 6,
+                                     .code = 0x06,
+                                     .release = 3,
+                                     .resetRegister = 40012,
+                                     .firstCount = 10,
+                                     .pollRegister = 40012,
+                                     .pollCount = 5,
+                                     .poll = "reads 40012 x5",
+                                     .start = {"reads 40001", "reads 40001", "reads 40002 x10", "reads 40066"}};
+inline constexpr InputPage kKelmar = {.model = "Kelmar",
+                                      .label = "menuKelmar",
+                                      .menu = "menuKelmar",
+                                      .commit = "WEEP",
+                                      .reset = "Reset",
+                                      .number = 7,
+                                      .runKind = 6,
+                                      .code = 0x0C,
+                                      .release = 1,
+                                      .resetRegister = 40012,
+                                      .firstCount = 10,
+                                      .pollRegister = 40012,
+                                      .pollCount = 5,
+                                      .poll = "reads 40012 x5",
+                                      .start = {"reads 40001", "reads 40002 x10", "reads 40012 x5", ""}};
+
+/// What the first Start of a page brings over the line.
+inline std::vector<std::string> StartReads(const InputPage& page) {
+  std::vector<std::string> reads(page.start.begin(), page.start.end());
+  std::erase(reads, "");
+  return reads;
+}
 
 /// Such a page with its module on COM1: 9600,n,8,1, address 1, all else 0.
 class InputPageFixture : public PageFixture {
@@ -103,6 +173,12 @@ class InputPageFixture : public PageFixture {
     return lit;
   }
 
+  /// Which of the page's controls take gestures.
+  std::map<std::string, bool> Enabling() const {
+    std::map<std::string, bool> enabled;
+    for (const view::Control* control : Page().Controls()) enabled[control->Name()] = control->Enabled();
+    return enabled;
+  }
   void ExpectOffline() const {
     EXPECT_FALSE(InSession());
     EXPECT_TRUE(TimersRest());

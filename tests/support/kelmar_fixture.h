@@ -11,7 +11,7 @@ namespace tarvo::test {
 /// The page `Kelmar` with its module on COM1: firmware release 1, 9600,n,8,1, address 1, spans 10000, all else 0.
 class KelmarFixture : public PlcPageFixture, protected ThermocoupleInputs {
  protected:
-  KelmarFixture() : PlcPageFixture(KelmarPage()) {
+  KelmarFixture() : PlcPageFixture(kKelmar) {
     for (int input = 0; input < kInputs; ++input) Set(kSpan1 + input, 10000);
   }
 

@@ -2,33 +2,13 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include "support/input_page_fixture.h"
 
 namespace tarvo::test {
 
-/// A page of the family "OTHER DEVICES!": its module's line is fixed, its flags say what goes to a PLC.
-struct PlcPage : InputPage {
-  int number;  ///< `NrFinestra`
-  int reset;   ///< register
-  int firstCount;
-  int pollRegister;
-  int pollCount;
-  std::vector<std::string> startReads;
-};
-
-inline const PlcPage& HollinPage() {
-  static const PlcPage page = {kHollin, 8, 40016, 11, 40013, 12, {"reads 40001", "reads 40002 x11", "reads 40013 x12"}};
-  return page;
-}
-
-inline const PlcPage& KelmarPage() {
-  static const PlcPage page = {kKelmar, 7, 40012, 10, 40012, 5, {"reads 40001", "reads 40002 x10", "reads 40012 x5"}};
-  return page;
-}
-
-/// Such a page with its module on COM1: firmware release 1, 9600,n,8,1, address 1, all else 0.
+/// A page of the family "OTHER DEVICES!" with its module on COM1: firmware release 1, 9600,n,8,1, address 1, all else
+/// 0. The module's line is fixed, its flags say what goes to a PLC.
 class PlcPageFixture : public InputPageFixture {
  protected:
   static constexpr int kStoredFlags = 40067;
@@ -39,7 +19,7 @@ class PlcPageFixture : public InputPageFixture {
   static constexpr int kRawData = 0x2000;
   static constexpr int kReversed = 0x4000;
 
-  explicit PlcPageFixture(const PlcPage& page) : InputPageFixture(page) {}
+  explicit PlcPageFixture(const InputPage& page) : InputPageFixture(page) {}
 
   std::string Box(int index) const { return Own("Check", index); }
   std::string BitOrder() const { return Own("Check") + "BitOrder"; }

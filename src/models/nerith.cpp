@@ -28,7 +28,7 @@ constexpr pages::PageIdentity kIdentity = {
     .reset = std::nullopt,
     // The release has the blank of a number that is not negative.
     .firmware = "Firmware rel:  ",
-    // Stop and Oswin's have changed names, and two buttons are another page's: that is meant.
+    // Stop carries Oswin's name, as Oswin's carries this page's, and two buttons carry Gaven's: that is meant.
     .names = {.start = "StartNerith",
               .stop = "StopOswin",
               .weep = "WEEPGaven",

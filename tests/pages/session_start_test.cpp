@@ -195,6 +195,17 @@ TEST_F(SessionStart, ShowsNothingOfABlockThatItHasLost) {
   EXPECT_EQ(Text("TotIN(0)"), "0");
 }
 
+TEST_F(SessionStart, ShowsNothingAsLongAsEveryPollFails) {
+  State().PollBuffer.fill(state::Word(0x0307));
+  StartUntilRequest(1);
+  for (int poll = 0; poll < 20; ++poll) module.Next(ModuleFault::Exception(2));
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  Run(core::milliseconds(600));
+  EXPECT_EQ(Text("MessageBelk"), "ERROR! Wrong Comm.");
+  EXPECT_EQ(Text("FilterBelk"), "1");
+  EXPECT_EQ(Text("TotIN(0)"), "0");
+}
+
 TEST_F(SessionStart, ShowsALostBlockOnceItComes) {
   module[kFilter] = 20;
   module[kCommunication] = 0x0309;

@@ -68,6 +68,17 @@ TEST_P(CommitAndReset, ChangeNoneOfThePcsSettings) {
   EXPECT_EQ(State().ModuleAddress, 1);
 }
 
+TEST_P(CommitAndReset, DoNothingWhileStartAsksWhoIsThere) {
+  ClickAndGoOn("StartBelk");
+  ASSERT_TRUE(PortOpen());
+  ASSERT_FALSE(InSession());
+  Press();
+  EXPECT_TRUE(NothingInFront());
+  ASSERT_TRUE(RunUntil([this] { return TimersRun(); }));
+  EXPECT_THAT(module.TakeLog(), testing::ElementsAre("reads 40001", kBelkPoll));
+  ExpectSessionGoesOn();
+}
+
 // Out of a session.
 
 TEST_P(CommitAndReset, SetTheBusUpFromTheSharedValues) {

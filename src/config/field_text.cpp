@@ -51,11 +51,12 @@ std::string FieldReader::Next() {
     rest_.remove_prefix(std::min(field.size() + 1, rest_.size()));
   } else {
     field = rest_.substr(0, rest_.find_first_of(",\n"));
+    rest_.remove_prefix(field.size());
+    if (field.ends_with('\r')) field.remove_suffix(1);
   }
   // What follows a quoted field is dropped with the separator.
   const std::size_t separator = rest_.find_first_of(",\n");
   rest_.remove_prefix(std::min(separator == std::string_view::npos ? rest_.size() : separator + 1, rest_.size()));
-  if (field.ends_with('\r')) field.remove_suffix(1);
   return FromLatin1(field);
 }
 

@@ -23,9 +23,7 @@ constexpr int kOdd = 0x0010;
 class QuenbyFile : public test::PageFileFixture {
  protected:
   static constexpr std::size_t kFlagsField = 1;
-  static constexpr std::size_t kDefaultField = 2;  ///< the first of three
   static constexpr std::size_t kCommunicationField = 5;
-  static constexpr std::size_t kSafeTimeField = 6;
 
   void LoadWith(std::size_t number, const std::string& text) {
     LoadFields("Quenby", FieldsWith("Quenby", number, text));

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "config/field_text.h"
 #include "config/page_file_fixture.h"
 
 namespace tarvo {
@@ -68,6 +69,12 @@ INSTANTIATE_TEST_SUITE_P(
         Readable{"QuoteWithoutItsEnd", kFirst + "16\r\n0\r\n\"785", {"16", "0", "785"}, kShown},
         Readable{"QuoteInsideAPlainField", "DATAFORMAT 1.0 Belk\r\n16\r\n0\r\n785\r\nx\"", {"16", "0", "785"}, kShown}),
     [](const auto& given) { return given.param.name; });
+
+TEST(FieldReader, TakesAReturnForTheLinesEndOnlyOutsideOfQuotes) {
+  config::FieldReader reader("\"12\r\"\r\n12\r\n");
+  EXPECT_EQ(reader.Next(), "12\r");
+  EXPECT_EQ(reader.Next(), "12");
+}
 
 // The header.
 
